@@ -1,0 +1,184 @@
+#include "exchange.h"
+
+#include <string.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+
+#include "easy_handle.h"
+#include "last_error.h"
+
+namespace netutils {
+namespace {
+
+struct Method {
+    const char* name;
+    bool alwaysFramed; /* says how long its body is even when there is none */
+};
+
+/* By method code. */
+constexpr Method kMethods[] = {{"GET", false}, {"PUT", true}, {"POST", true}, {"DELETE", false}};
+
+constexpr long kShortestConnectTimeoutMs = 2000;
+
+/* The unauthenticated request, the one with credentials, and one more for a nonce that had just become stale.
+ * A device that never accepts its own nonces would otherwise be asked without end. */
+constexpr long kMostRepetitions = 2;
+
+/* Puts the body of the answer into the caller's buffer. */
+class Receiver {
+ public:
+    Receiver(char* buffer, uint32_t capacity) : buffer_(buffer), capacity_(capacity) {}
+
+    static size_t receive(char* bytes, size_t, size_t count, void* receiver) {
+        return static_cast<Receiver*>(receiver)->take(bytes, count);
+    }
+    uint32_t length() const { return length_; }
+    bool cut() const { return cut_; }
+
+ private:
+    /* Taking less than there is stops the transfer. */
+    size_t take(const char* bytes, size_t count) {
+        const size_t taken = std::min<size_t>(count, capacity_ - length_);
+        if (taken > 0) memcpy(buffer_ + length_, bytes, taken);
+        length_ += static_cast<uint32_t>(taken);
+        cut_ = taken < count;
+        return taken;
+    }
+
+    char* buffer_;
+    uint32_t capacity_;
+    uint32_t length_ = 0;
+    bool cut_ = false;
+};
+
+/* Ends a transfer whose request body has not moved for too long. */
+class StallWatch {
+ public:
+    explicit StallWatch(int32_t limitMs) : limit_(limitMs) {}
+
+    static int beginRequest(void* watch, char*, char*, int, int) {
+        static_cast<StallWatch*>(watch)->restart();
+        return CURL_PREREQFUNC_OK;
+    }
+    static size_t header(char*, size_t, size_t count, void* watch) {
+        // From here on the device may leave the rest of the body unread.
+        static_cast<StallWatch*>(watch)->watching_ = false;
+        return count;
+    }
+    static int progress(void* watch, curl_off_t, curl_off_t, curl_off_t total, curl_off_t sent) {
+        return static_cast<StallWatch*>(watch)->stalled(total, sent) ? 1 : 0;
+    }
+
+ private:
+    using Clock = std::chrono::steady_clock;
+
+    void restart() {
+        watching_ = true;
+        sent_ = 0;
+        lastMove_ = Clock::now();
+    }
+
+    bool stalled(curl_off_t total, curl_off_t sent) {
+        if (!watching_ || sent >= total) return false;
+        if (sent != sent_) {
+            sent_ = sent;
+            lastMove_ = Clock::now();
+        }
+        return Clock::now() - lastMove_ > limit_;
+    }
+
+    std::chrono::milliseconds limit_;
+    bool watching_ = false;
+    curl_off_t sent_ = 0;
+    Clock::time_point lastMove_;
+};
+
+void setProtocol(EasyHandle& easy) {
+    easy.set(CURLOPT_PROTOCOLS_STR, "http");
+    easy.set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    easy.set(CURLOPT_FOLLOWLOCATION, 0L);
+    easy.set(CURLOPT_MAXREDIRS, kMostRepetitions);  // counts repetitions for a log-in too
+    easy.set(CURLOPT_PROXY, "");
+    easy.set(CURLOPT_NOPROXY, "*");
+    easy.set(CURLOPT_NOSIGNAL, 1L);
+    easy.set(CURLOPT_PATH_AS_IS, 1L);
+    easy.set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L);
+}
+
+void setLimits(EasyHandle& easy, const Request& request, StallWatch* watch) {
+    easy.set(CURLOPT_TIMEOUT_MS, static_cast<long>(request.exchangeTimeoutMs()));
+    easy.set(CURLOPT_CONNECTTIMEOUT_MS, std::max<long>(request.sendTimeoutMs(), kShortestConnectTimeoutMs));
+    if (request.sendTimeoutMs() == 0) return;
+    easy.set(CURLOPT_PREREQFUNCTION, StallWatch::beginRequest);
+    easy.set(CURLOPT_PREREQDATA, watch);
+    easy.set(CURLOPT_HEADERFUNCTION, StallWatch::header);
+    easy.set(CURLOPT_HEADERDATA, watch);
+    easy.set(CURLOPT_XFERINFOFUNCTION, StallWatch::progress);
+    easy.set(CURLOPT_XFERINFODATA, watch);
+    easy.set(CURLOPT_NOPROGRESS, 0L);
+}
+
+void setCredentials(EasyHandle& easy, const Request& request) {
+    if (!request.hasCredentials()) return;
+    // With both kinds allowed the first request goes out whole and bare. With Digest alone it would go out
+    // with an empty body, which a device that asks for no log-in would carry out.
+    easy.set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_DIGEST | CURLAUTH_BASIC));
+    easy.set(CURLOPT_USERNAME, request.user().c_str());
+    easy.set(CURLOPT_PASSWORD, request.password().c_str());
+}
+
+void setMessage(EasyHandle& easy, const Request& request, const Method& method) {
+    for (const std::string& line : request.headers())
+        easy.addHeader(line.c_str());
+    if (method.alwaysFramed || !request.body().empty()) {
+        easy.set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body().size()));
+        easy.set(CURLOPT_POSTFIELDS, request.body().c_str());
+        easy.addHeader("Expect:");
+        if (!request.hasContentType()) easy.addHeader("Content-Type:");
+    }
+    easy.set(CURLOPT_CUSTOMREQUEST, method.name);
+}
+
+void setReceiver(EasyHandle& easy, Receiver* receiver) {
+    easy.set(CURLOPT_WRITEFUNCTION, Receiver::receive);
+    easy.set(CURLOPT_WRITEDATA, receiver);
+}
+
+/* Whether an answer arrived, whatever it says: whole, stopped at the capacity, or a 401 to the last
+ * repetition. */
+bool answered(CURLcode code, const Receiver& receiver) {
+    return code == CURLE_OK || receiver.cut() || code == CURLE_TOO_MANY_REDIRECTS;
+}
+
+bool valid(const NET_HTTPCLIENT_EXCHANGE& in, const NET_HTTPCLIENT_EXCHANGE* out) {
+    return in.url != nullptr && (in.buffer != nullptr || in.bufferSize == 0) && out != nullptr &&
+           !hasControlCharacters({in.url, in.urlLength});
+}
+
+}  // namespace
+
+int exchange(const Request& request, const NET_HTTPCLIENT_EXCHANGE& in, NET_HTTPCLIENT_EXCHANGE* out) {
+    if (!valid(in, out)) return failWithZero(NET_UTILS_ERROR_PARAMETER);
+    if (in.method >= std::size(kMethods)) return failWithZero(NET_UTILS_ERROR_METHOD);
+
+    const std::string url(in.url, in.urlLength);
+    Receiver receiver(in.buffer, in.bufferSize);
+    StallWatch watch(request.sendTimeoutMs());
+    EasyHandle easy;
+    setProtocol(easy);
+    easy.set(CURLOPT_URL, url.c_str());
+    setMessage(easy, request, kMethods[in.method]);
+    setCredentials(easy, request);
+    setLimits(easy, request, &watch);
+    setReceiver(easy, &receiver);
+
+    const CURLcode code = easy.perform();
+    if (!answered(code, receiver)) return failWithZero(code);
+    out->httpStatus = static_cast<uint32_t>(easy.status());
+    out->bufferSize = receiver.length();
+    return 1;
+}
+
+}  // namespace netutils

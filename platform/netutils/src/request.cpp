@@ -1,0 +1,103 @@
+#include "request.h"
+
+#include <netutils/netutils.h>
+#include <string.h>
+#include <strings.h>
+
+#include <algorithm>
+
+#include "last_error.h"
+
+namespace netutils {
+namespace {
+
+/* Headers that frame the message. They follow from the body alone, so what the caller sets is not sent. */
+constexpr const char* kFramingHeaders[] = {"Content-Length", "Transfer-Encoding", "Expect"};
+
+bool equalNames(std::string_view a, const char* b) {
+    return a.size() == strlen(b) && strncasecmp(a.data(), b, a.size()) == 0;
+}
+
+/* Takes off the terminating zero that header texts are passed with; false when there is none. */
+bool takeTerminator(std::string_view* text) {
+    if (text->empty() || text->back() != '\0') return false;
+    text->remove_suffix(1);
+    return true;
+}
+
+int readMilliseconds(std::string_view value, int32_t* milliseconds) {
+    int32_t read = 0;
+    if (value.size() != sizeof read) return fail(NET_UTILS_ERROR_PARAMETER);
+    memcpy(&read, value.data(), sizeof read);
+    if (read < 0) return fail(NET_UTILS_ERROR_PARAMETER);
+    *milliseconds = read;
+    return NET_UTILS_OK;
+}
+
+}  // namespace
+
+bool hasControlCharacters(std::string_view text) {
+    return std::ranges::any_of(text,
+                               [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
+}
+
+void Secret::set(std::string_view text) {
+    wipe();
+    text_ = text;
+}
+
+void Secret::wipe() noexcept {
+    explicit_bzero(text_.data(), text_.size());
+}
+
+int Request::setParameter(int code, std::string_view name, std::string_view value) {
+    switch (code) {
+        case NET_HTTPCLIENT_PARAM_CREDENTIALS:
+            return setCredentials(name, value);
+        case NET_HTTPCLIENT_PARAM_BODY:
+            body_ = value;
+            return NET_UTILS_OK;
+        case NET_HTTPCLIENT_PARAM_HEADER:
+            return addHeader(name, value);
+        case NET_HTTPCLIENT_PARAM_SEND_TIMEOUT:
+            return readMilliseconds(value, &sendTimeoutMs_);
+        case NET_HTTPCLIENT_PARAM_EXCHANGE_TIMEOUT:
+            return readMilliseconds(value, &exchangeTimeoutMs_);
+        case NET_HTTPCLIENT_PARAM_EXTRA:
+            return NET_UTILS_OK;
+        default:
+            return fail(NET_UTILS_ERROR_PARAMETER);
+    }
+}
+
+int Request::setCredentials(std::string_view user, std::string_view password) {
+    // Both end at their first zero on the way to libcurl; never log in with half a password.
+    if (user.find('\0') != user.npos || password.find('\0') != password.npos)
+        return fail(NET_UTILS_ERROR_PARAMETER);
+    user_.set(user);
+    password_.set(password);
+    hasCredentials_ = true;
+    return NET_UTILS_OK;
+}
+
+int Request::addHeader(std::string_view name, std::string_view value) {
+    const bool valid = takeTerminator(&name) && takeTerminator(&value) && !name.empty() &&
+                       name.find_first_of(" :;") == std::string_view::npos && !hasControlCharacters(name) &&
+                       !hasControlCharacters(value);
+    if (!valid) return fail(NET_UTILS_ERROR_PARAMETER);
+    if (std::ranges::any_of(kFramingHeaders,
+                            [name](const char* framing) { return equalNames(name, framing); })) {
+        return NET_UTILS_OK;
+    }
+    std::string line(name);
+    if (value.find_first_not_of(' ') == std::string_view::npos) {
+        line += ';';
+    } else {
+        line.append(": ").append(value);
+    }
+    headers_.push_back(std::move(line));
+    hasContentType_ = hasContentType_ || equalNames(name, "Content-Type");
+    return NET_UTILS_OK;
+}
+
+}  // namespace netutils
