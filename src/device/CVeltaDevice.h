@@ -1,0 +1,175 @@
+#ifndef VELTA_DEVICE_CVELTADEVICE_H
+#define VELTA_DEVICE_CVELTADEVICE_H
+
+#include <xpr/xpr.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <string>
+
+#include "DevPlus/CDevBase.h"
+#include "DevPlus/CDevConnect_V2.h"
+#include "DevPlus/CDevEvent.h"
+#include "DevPlus/CDevStream.h"
+#include "DevPlus/CDevVELTA.h"
+#include "device/AlertStreamParser.h"
+#include "device/CallbackSlot.h"
+#include "device/Connection.h"
+#include "device/StreamSockets.h"
+
+/* The session of one device. The host reaches it through the four interfaces; <velta/...> says what their
+ * operations do for a host, the comments here what the plug-in's own threads need to know.
+ *
+ * Its operations stand in groups, one group per source file. Unless stated, any thread may call them. */
+class CVeltaDevice final : public CDevBase,
+                           public CDevConnect_V2,
+                           public CDevEvent,
+                           public CDevStream,
+                           public CDevVELTA {
+ public:
+    CVeltaDevice();
+    /* Waits until no other thread is inside the session, but for the event delivery that calls it. */
+    ~CVeltaDevice() override;
+
+    // Connection and login (ConnectionState.cpp)
+
+    int SetConnStatusCallBack(VELTA_ConnStatusCallBack callback, void* user) override;
+    int Connect_V2(char* szURL, char* user, char* password) override;
+    int DisConnect() override;
+    int GetConnectStatus(int* status, char* info) override;
+
+    /* Asks the device whether the credentials are good and reports a change of status. 0 online, -1
+     * otherwise. On the timer thread, with the registry locked for reading. */
+    int veltaStatusCheck();
+    /* Writes the host's name of the device into the device's information, once per Connect_V2. */
+    void updateDevName();
+    std::string getDevIndex() const;
+
+    // Requests to the device (Transport.cpp)
+
+    /* Method codes of requests. */
+    enum Method : unsigned char { kGet = 0, kPut = 1, kPost = 2, kDelete = 3 };
+
+    /* Results of a request: 0 success; 401 the device refuses the credentials; -1 any other failure;
+     * 0x6000003F no memory for the answer. */
+    static constexpr int32_t kHttpUnauthorised = 401;
+    static constexpr int32_t kTransportFailure = -1;
+
+    /* One exchange. response: the body of the answer, whatever its status; untouched when there is no answer,
+     * or an empty one with status 200. With status 200 a zero character follows the body. extra: a text for
+     * the HTTP library of a host that wants one; usually empty. */
+    int32_t sendHttpReqToDevice(std::string& response, const std::string& path, const std::string& body,
+                                unsigned char method, const std::string& extra);
+    /* One upload of a face record: its JSON and its JPEG as the parts of a form. */
+    int32_t sendHttpReqToDevicebyForm(std::string& response, const std::string& path, const std::string& json,
+                                      const std::string& image, unsigned char method);
+
+    // Arming (Arming.cpp) and the alert stream (AlertStream.cpp)
+
+    int SetEventCallBack(VELTA_EventCallBack callback, void* user) override;
+    /* Opens the alert stream on a thread of its own. 0, also when it is open already; -1 without a thread. */
+    int veltaArm();
+    /* Ends the alert stream and waits for its thread; at once, however quiet the device is. 0. */
+    int veltaDisarm();
+    /* Armed, whether or not the stream still runs. */
+    bool isArm() const { return armState_ >= 0; }
+    /* The stream has ended by itself. */
+    bool isArmThreadExit() const { return streamThreadExited_; }
+
+    // Delivery of events (EventDelivery.cpp); on the alarm worker's thread
+
+    /* What the number in a source id counts. */
+    enum ChannelKind { kChannelVideo = 1, kChannelOutput = 2, kChannelTransparent = 3, kChannelDevice = 4 };
+
+    /* Calls the host's event callback, if there is one and events are to be forwarded. The host may destroy
+     * the session in it. */
+    void sendEventMsg(int channelNo, int channelKind, tagEVENT_EXT_INFO* ext, tagEVENT_BASE_INFO& base);
+    /* Frees an extension with its items and sets the pointer to null. */
+    static void releaseEventExtInfo(tagEVENT_EXT_INFO*& ext);
+
+    // Gateway (gateway/Gateway.cpp)
+
+    int VELTA_Getway(char* request, char* response, unsigned int responseSize, tagVELTA_INFO* info) override;
+    /* Reads a device's ResponseStatus document. 0: success. Otherwise its error number, with the host's
+     * status JSON in answer; 0x60000001, with answer untouched, when the document can't be read. */
+    uint32_t parseVELTAResponseStatus(std::string& answer, const std::string& deviceXml);
+
+    // Media: talk and record download do nothing and succeed
+
+    int StartTalk(DEVICE_T*, VELTA_StreamCallBack, void*, void*&) override { return VELTA_OK; }
+    int StopTalk(void*) override { return VELTA_OK; }
+    int SendTalkData(void*, char*, unsigned long) override { return VELTA_OK; }
+    int StartDownloadRecord(DEVICE_PALYBACK_T*, VELTA_StreamCallBack, void*, void*&,
+                            unsigned long*) override {
+        return VELTA_OK;
+    }
+    int StopDownloadRecord(void*&) override { return VELTA_OK; }
+
+ private:
+    /* Counts a host's call for its duration, so that the destructor can wait for it. */
+    class CallGuard;
+
+    velta::Connection connection() const;
+
+    void NotifyConnStatus(int newStatus, const char* errorInfo);
+
+    int armIfOnline() XPR_EXCLUDES(armMutex_);
+    int armLocked() XPR_REQUIRES(armMutex_);
+    void disarmLocked() XPR_REQUIRES(armMutex_);
+    static int getAlertStreamThread(void* session);
+    void getAlertStream();
+    static size_t writeResponseBody(char* data, size_t size, size_t count, void* session);
+    static size_t endOfHeaders(char* data, size_t size, size_t count, void* session);
+
+    uint32_t dispatch(const std::string& request, std::string& answer);
+    uint32_t forwardToDevice(const std::string& path, const std::string& body, unsigned char method,
+                             std::string& answer);
+
+    mutable xpr::xpr_mutex stateMutex_;  // held for copying only
+    velta::Connection connection_ XPR_GUARDED_BY(stateMutex_);
+    std::string resType_ XPR_GUARDED_BY(stateMutex_);  // kept for the host, not interpreted
+    std::string devIndex_ XPR_GUARDED_BY(stateMutex_);
+    std::string deviceName_ XPR_GUARDED_BY(stateMutex_);
+    bool nameUpdatePending_ XPR_GUARDED_BY(stateMutex_) = false;
+    velta::Connection refused_ XPR_GUARDED_BY(stateMutex_);  // the credentials that the device refused last
+
+    std::atomic<int> connStatus_{VELTA_STATUS_UNKNOWN};  // written under armMutex_
+    velta::CallbackSlot<VELTA_ConnStatusCallBack> connStatusCallBack_;
+    velta::CallbackSlot<VELTA_EventCallBack> eventCallBack_;
+
+    // Lock order: subscribeMutex_, then armMutex_ or a lock of the manager; armMutex_, then stateMutex_.
+    xpr::xpr_mutex subscribeMutex_;  // one SetEventCallBack at a time
+    xpr::xpr_mutex armMutex_;        // starting and ending the stream, and the status that decides about it
+    std::atomic<int> armState_{-1};  // -1 not armed, 0 armed
+    std::atomic<bool> streamThreadExited_{false};
+    XPR_HANDLE streamThread_ XPR_GUARDED_BY(armMutex_) = XPR_INVALID_HANDLE;
+    velta::StreamSockets streamSockets_;
+    CURL* streamHandle_ = nullptr;           // stream thread only
+    velta::AlertStreamParser streamParser_;  // stream thread only, or while there is none
+
+    xpr::xpr_mutex callMutex_;
+    int callsInside_ XPR_GUARDED_BY(callMutex_) = 0;
+    std::condition_variable_any callsEnded_;
+};
+
+/* Holds a host's call for the destructor to wait for. */
+class CVeltaDevice::CallGuard {
+ public:
+    explicit CallGuard(CVeltaDevice& device) : device_(device) {
+        const XPR_Guard guard(device_.callMutex_);
+        ++device_.callsInside_;
+    }
+    ~CallGuard() {
+        const XPR_Guard guard(device_.callMutex_);
+        --device_.callsInside_;
+        device_.callsEnded_.notify_all();
+    }
+    CallGuard(const CallGuard&) = delete;
+    CallGuard& operator=(const CallGuard&) = delete;
+
+ private:
+    CVeltaDevice& device_;
+};
+
+#endif

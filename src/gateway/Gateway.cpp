@@ -1,0 +1,106 @@
+// The way of a host's request: envelope, forwarding, answer.
+
+#include <xlog/xlog.h>
+#include <xpr/text.h>
+
+#include <algorithm>
+#include <exception>
+
+#include "DevPlus/Facade.h"
+#include "device/CVeltaDevice.h"
+#include "gateway/JsonText.h"
+#include "gateway/ResponseStatus.h"
+#include "gateway/TagText.h"
+#include "gateway/Url.h"
+
+namespace {
+
+constexpr const char* kDeviceInfoPath = "/VELTA/System/deviceInfo";
+constexpr const char* kHostParameter = "devIndex";
+
+struct Envelope {
+    std::string method;
+    std::string uri;
+    std::string body;
+};
+
+std::string_view trimBlanks(std::string_view text) {
+    const size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+bool readEnvelope(std::string_view request, Envelope& envelope) {
+    const std::string_view text = trimBlanks(request);
+    Json::Value value;
+    if (!text.starts_with('{') || !velta::parseJson(text, value)) return false;
+    const Json::Value& root = value;
+    const Json::Value& method = root["method"];
+    if (method.isNull() || !method.isConvertibleTo(Json::stringValue)) return false;
+    if (!root["uri"].isString() || !root["body"].isString()) return false;
+    envelope = {method.asString(), root["uri"].asString(), root["body"].asString()};
+    return true;
+}
+
+}  // namespace
+
+int CVeltaDevice::VELTA_Getway(char* request, char* response, unsigned int responseSize, tagVELTA_INFO*) {
+    const CallGuard call(*this);
+    std::string answer;
+    uint32_t code = VELTA_E_BAD_PARAMETER;
+    try {
+        if (request == nullptr) {
+            xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] param null", __func__, __LINE__);
+        } else {
+            code = dispatch(request, answer);
+        }
+        if (answer.empty()) answer = velta::writeJson(velta::hostStatus(code == 0 ? velta::kSuccess : code));
+    } catch (const std::exception& error) {
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] %s", __func__, __LINE__, error.what());
+    }
+    XPR_Strncpy(response, responseSize, answer.c_str(), answer.size());
+    return VELTA_OK;
+}
+
+uint32_t CVeltaDevice::dispatch(const std::string& request, std::string& answer) {
+    Envelope envelope;
+    if (!readEnvelope(request, envelope)) {
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] szConfigJson format is wrong", __func__, __LINE__);
+        return VELTA_E_BAD_PARAMETER;
+    }
+    if (envelope.uri.find('?') == std::string::npos) return velta::kNoErrorCode;
+
+    std::string path;
+    if (!velta::removeQueryFromUrl(path, envelope.uri.c_str(), kHostParameter)) {
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] wrong url", __func__, __LINE__);
+        return VELTA_E_BAD_PARAMETER;
+    }
+    const uint32_t method = velta::covertVELTAMethod(envelope.method);
+    if (method == velta::kNoErrorCode) {
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] wrong http method", __func__, __LINE__);
+        return VELTA_E_BAD_PARAMETER;
+    }
+    return forwardToDevice(path, envelope.body, static_cast<unsigned char>(method), answer);
+}
+
+// A body that holds nothing but a device name is merged into the device's own document; everything else goes
+// out as it stands. The device's answer is the host's, whatever its status.
+uint32_t CVeltaDevice::forwardToDevice(const std::string& path, const std::string& body, unsigned char method,
+                                       std::string& answer) {
+    const auto newName = velta::textBetween(body, "<DeviceInfo><deviceName>", "</deviceName></DeviceInfo>");
+    if (path == kDeviceInfoPath && newName) {
+        std::string document;
+        if (sendHttpReqToDevice(document, path, "", kGet, "") != 0) {
+            xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] updateDevName error", __func__, __LINE__);
+            return velta::kNoErrorCode;
+        }
+        if (velta::replaceDeviceName(document, *newName)) {
+            sendHttpReqToDevice(answer, path, document, kPut, "");
+            return velta::kNoErrorCode;
+        }
+    }
+    const int32_t sent = sendHttpReqToDevice(answer, path, body, method, "");
+    xlog_format(sent == 0 ? XLOG_INFO : XLOG_ERROR, "VELTADEV", "[%s(%d)] request to [%s] [%d]", __func__,
+                __LINE__, connection().address().c_str(), sent);
+    return velta::kNoErrorCode;
+}

@@ -1,0 +1,29 @@
+/* Matching and editing the URIs of host requests. */
+#ifndef VELTA_GATEWAY_URL_H
+#define VELTA_GATEWAY_URL_H
+
+#include <cstdint>
+#include <string>
+
+/* Compares the path of url, which ends at its first "?", with a text; 0: equal. */
+int CompareUrl(const std::string& url, const char* pattern);
+
+namespace velta {
+
+/* Whether the text "format=json" occurs in uri. */
+bool isJsonURL(const std::string& uri);
+
+/* The path of a uri: what stands before its first "?". */
+std::string pathOf(const std::string& uri);
+
+/* Takes the parameter key with its value and the separator in front of it out of url. What follows keeps its
+ * own separator: "/a?key=2&b=1" becomes "/a&b=1". False, with out untouched, when url has no such parameter.
+ */
+bool removeQueryFromUrl(std::string& out, const char* url, const std::string& key);
+
+/* "GET" 0, "PUT" 1, "POST" 2, "DELETE" 3, in exactly this spelling; else 0xFFFFFFFF. */
+uint32_t covertVELTAMethod(const std::string& method);
+
+}  // namespace velta
+
+#endif

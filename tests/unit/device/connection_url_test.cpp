@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include "device/Connection.h"
+
+using velta::ConnectionUrl;
+
+namespace {
+
+TEST(ConnectionUrl, readsItsItems) {
+    const auto url = ConnectionUrl::parse(
+        "Connect=TCP/IP;Target=10.0.0.5;Port=8080;ResType=door;DevIndex=7;DeviceName=East gate;Unknown=1;");
+    EXPECT_EQ(url.connect, "TCP/IP");
+    EXPECT_EQ(url.host, "10.0.0.5");
+    EXPECT_EQ(url.port, 8080);
+    EXPECT_EQ(url.resType, "door");
+    EXPECT_EQ(url.devIndex, "7");
+    EXPECT_EQ(url.deviceName, "East gate");
+    EXPECT_TRUE(url.isSound());
+}
+
+TEST(ConnectionUrl, keepsItsOddRules) {
+    struct Case {
+        const char* text;
+        const char* host;
+        int port;
+    };
+    const Case cases[] = {
+        {"Target=a;Port=80", "a", 0},           // only terminated items count
+        {"Target=a;Target=b;Port=1;", "b", 1},  // the last one wins
+        {"target=a;Port=12abc;", "", 12},       // no case folding; leading digits
+        {"Target= a ;Port=x1;", " a ", 0},      // no trimming
+        {"=x;Target=a;Port=5;", "a", 5},        // no key
+        {"Target;Port=5;", "", 5},              // the key runs to the next "=" and is unknown
+        {"Port=5;Target=a=b;", "a=b", 5},       // the first "=" counts
+        {"no items at all", "", 0},
+        {";;;Target=a;;Port=7;", "a", 7},
+        {"Port=99999999999999999999;", "", 2147483647},
+    };
+    for (const Case& c : cases) {
+        const auto url = ConnectionUrl::parse(c.text);
+        EXPECT_EQ(url.host, c.host) << c.text;
+        EXPECT_EQ(url.port, c.port) << c.text;
+    }
+    // An "=" behind the ";" gives its key everything up to there and the rest of the text as its value.
+    EXPECT_EQ(ConnectionUrl::parse("Port=1;\nx;Target=a;b;").host, "a");
+    EXPECT_EQ(ConnectionUrl::parse("x;Target=a;").host, "a");
+}
+
+TEST(ConnectionUrl, refusesWhatCannotBeADevice) {
+    for (const char* text :
+         {"Target=a;Port=0;", "Target=a;Port=-80;", "Target=a;Port=65536;", "Target=a\r\nb;Port=80;",
+          "Target=a;Port=80;DevIndex=1\n;", "Target=a;Port=80;DeviceName=\x01;"}) {
+        EXPECT_FALSE(ConnectionUrl::parse(text).isSound()) << text;
+    }
+    EXPECT_TRUE(ConnectionUrl::parse("Target=a;Port=65535;DeviceName=T\xc3\xbcr;").isSound());
+}
+
+}  // namespace

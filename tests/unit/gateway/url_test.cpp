@@ -1,0 +1,75 @@
+#include "gateway/Url.h"
+
+#include <gtest/gtest.h>
+
+#include "gateway/TagText.h"
+
+namespace {
+
+TEST(Url, comparesThePath) {
+    EXPECT_EQ(CompareUrl("/VELTA/X?a=1", "/VELTA/X"), 0);
+    EXPECT_NE(CompareUrl("/VELTA/X/", "/VELTA/X"), 0);
+    EXPECT_NE(CompareUrl("/velta/X", "/VELTA/X"), 0);
+    EXPECT_TRUE(velta::isJsonURL("/a?format=json"));
+    EXPECT_FALSE(velta::isJsonURL("/a?Format=json"));
+}
+
+TEST(Url, losesTheHostsParameter) {
+    struct Case {
+        const char* url;
+        bool found;
+        const char* kept;
+    };
+    const Case cases[] = {
+        {"/VELTA/System/Network/interfaces?devIndex=2", true, "/VELTA/System/Network/interfaces"},
+        {"/VELTA/X?devIndex=2&format=json", true,
+         "/VELTA/X&format=json"},  // the next parameter keeps its "&"
+        {"/VELTA/X?format=json&devIndex=2", true, "/VELTA/X?format=json"},
+        {"/VELTA/X?a=1&devIndex=2&b=3", true, "/VELTA/X?a=1&b=3"},
+        {"/VELTA/X?devIndex=2?format=json", true, "/VELTA/X?format=json"},
+        {"/VELTA/X?format=json", false, "untouched"},
+        {"/VELTA/X?mydevIndex=2", false, "untouched"},
+        {"/VELTA/X?DevIndex=2", false, "untouched"},
+        {"/devIndex/X?devIndex=2&a=1", true, "&a=1"},  // cut where the bare name stands first
+        {"devIndex?devIndex=2", true, "?devIndex=2"},
+        {"", false, "untouched"},
+    };
+    for (const Case& c : cases) {
+        std::string out = "untouched";
+        EXPECT_EQ(velta::removeQueryFromUrl(out, c.url, "devIndex"), c.found) << c.url;
+        EXPECT_EQ(out, c.kept) << c.url;
+    }
+}
+
+TEST(Url, knowsFourMethods) {
+    EXPECT_EQ(velta::covertVELTAMethod("GET"), 0U);
+    EXPECT_EQ(velta::covertVELTAMethod("PUT"), 1U);
+    EXPECT_EQ(velta::covertVELTAMethod("POST"), 2U);
+    EXPECT_EQ(velta::covertVELTAMethod("DELETE"), 3U);
+    for (const char* method : {"", "get", "PATCH", "GET "})
+        EXPECT_EQ(velta::covertVELTAMethod(method), 0xFFFFFFFFU);
+}
+
+TEST(TagText, replacesADeviceName) {
+    struct Case {
+        std::string document;
+        bool found;
+        std::string result;
+    };
+    const Case cases[] = {
+        {"<D><deviceName>old</deviceName><id>1</id></D>", true,
+         "<D><deviceName>A & B</deviceName><id>1</id></D>"},
+        {"<deviceName></deviceName>", true, "<deviceName>A & B</deviceName>"},
+        {std::string("<deviceName>x</deviceName>\0", 27), true, "<deviceName>A & B</deviceName>"},
+        {"</deviceName><deviceName>", false, "</deviceName><deviceName>"},
+        {"<deviceName>", false, "<deviceName>"},
+        {"", false, ""},
+    };
+    for (const Case& c : cases) {
+        std::string document = c.document;
+        EXPECT_EQ(velta::replaceDeviceName(document, "A & B"), c.found) << c.document;
+        EXPECT_EQ(document, c.result);
+    }
+}
+
+}  // namespace
