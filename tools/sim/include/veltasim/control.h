@@ -1,0 +1,46 @@
+// An HTTP interface for programs that want to steer simulated devices from outside; loopback only, no log-in.
+//
+//     GET    /control/devices            all devices: url, streams, power, lock
+//     GET    /control/requests?device=0  the recorded requests; &after=N: those with a greater number
+//     DELETE /control/requests           forgets them
+//     GET    /control/faults             the faults in force
+//     POST   /control/fault              {"kind":"slow","amount":100,"path":"/VELTA/System","count":3}
+//     DELETE /control/faults             ends all faults
+//     POST   /control/event              {"doorNo":2,"name":"...","picture":"small|medium|large","count":5},
+//     all members
+//                                        as in AccessEvent; with "eventType" an Alarm
+//     POST   /control/power              {"on":false,"seconds":5}; without "seconds" until it is switched on
+//     POST   /control/streams            {"end":"at-once"} or {"end":"after-queue"}
+//     POST   /control/lock               {"seconds":60}; 0 unlocks
+//
+// Requests may name one device by its index, in the query ("?device=1"). Without it GET means device 0 and
+// the others mean all. Errors are answered 4xx with {"error":"..."}.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <veltasim/device.h>
+
+namespace veltasim {
+
+class ControlServer {
+ public:
+    // Listens on 127.0.0.1:port (0: the system picks one) until destroyed. The devices must outlive it.
+    // Throws std::system_error if the port cannot be had.
+    ControlServer(std::vector<Device*> devices, uint16_t port);
+    ~ControlServer();
+    ControlServer(const ControlServer&) = delete;
+    ControlServer& operator=(const ControlServer&) = delete;
+
+    uint16_t port() const;
+    std::string url() const;  // "http://127.0.0.1:40124"
+
+ private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace veltasim

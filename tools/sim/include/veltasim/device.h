@@ -1,0 +1,102 @@
+// A simulated device that speaks VELTA over HTTP. Any number of them may live in one process.
+//
+//     veltasim::Device device;              // 127.0.0.1, free port, digest, admin / velta-sim-1
+//     device.start();
+//     client.connect(device.port(), ...);
+//     ASSERT_TRUE(device.waitForStreams(1, 10s));
+//     device.sendAccessEvent({.doorNo = 2, .picture = std::string(picture(PictureSize::Small))});
+//
+// Each device runs one thread of its own between start() and destruction. All member functions may be called
+// from any thread, except from Options::onRequest; start() and destruction are the business of one owner.
+// Strings are copied; the caller need not keep anything. A device needs about 7 file descriptors and one per
+// connection: call raiseOpenFileLimit() before starting hundreds.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <veltasim/event.h>
+#include <veltasim/fault.h>
+#include <veltasim/options.h>
+#include <veltasim/request.h>
+
+namespace veltasim {
+
+// Lets this process open as many files as the system permits it.
+void raiseOpenFileLimit();
+
+class Device {
+ public:
+    explicit Device(Options options = {});
+    ~Device();  // cuts all connections
+    Device(const Device&) = delete;
+    Device& operator=(const Device&) = delete;
+
+    // Opens the port and answers from then on. Throws std::system_error if the address cannot be had
+    // (std::errc::address_in_use if another program listens there).
+    void start();
+
+    const Options& options() const;
+    uint16_t port() const;    // stays the same through powerOff() and powerOn(); 0 before start()
+    std::string url() const;  // "http://127.0.0.1:40123", no slash at the end
+
+    // -- power --
+    // Cuts every connection and refuses new ones. When it returns nothing is open any more. Time goes on for
+    // the lock of the user; identity, faults and recorded requests are kept. With returnAfter the power comes
+    // back by itself.
+    void powerOff(std::optional<std::chrono::milliseconds> returnAfter = std::nullopt);
+    void powerOn();  // answers again when it returns
+    bool isOn() const;
+
+    // -- alert streams --
+    // Queues the event for every present subscriber and returns its serial number, which is counted up
+    // whether or not anybody listens. Never waits for a subscriber.
+    uint64_t sendAccessEvent(const AccessEvent& event = {});
+    void sendAlarm(const Alarm& alarm = {});
+    void sendHeartbeat();
+    // Exactly these bytes to every subscriber, in one write if the socket takes them.
+    void sendRaw(std::string bytes);
+    // Ends every stream: gracefully after what is queued, or at once in the middle of whatever is being sent.
+    enum class StreamEnd { AfterQueue, AtOnce };
+    void endStreams(StreamEnd how);
+
+    size_t streamCount() const;  // subscribers now; those told "deployExceedMax" are none
+    // True as soon as exactly `count` subscribers listen; false after the timeout.
+    bool waitForStreams(size_t count, std::chrono::milliseconds timeout) const;
+    // True once everything queued was handed to the sockets; false after the timeout.
+    bool waitForDrained(std::chrono::milliseconds timeout) const;
+    uint64_t lostEvents() const;  // events that a full queue refused, summed over subscribers
+
+    // -- faults --
+    void setFault(const Fault& fault);  // in addition to those set; the oldest that fits a request strikes
+    void clearFaults();                 // also cuts the connections that hang
+    std::vector<Fault> faults() const;  // those still in force; count is what is left of it
+
+    // -- requests --
+    std::vector<RequestRecord> requests() const;  // all recorded, oldest first
+    void forgetRequests();
+    // The first recorded request that fits, waiting for one if need be; nothing after the timeout. The
+    // predicate runs on the calling thread, and must not call the device.
+    using RequestPredicate = std::function<bool(const RequestRecord&)>;
+    std::optional<RequestRecord> waitForRequest(const RequestPredicate& fits,
+                                                std::chrono::milliseconds timeout) const;
+
+    // -- state --
+    std::string deviceName() const;
+    void lockUser(std::chrono::seconds duration);  // as too many failed log-ins do
+    void unlockUser();                             // also forgets failed log-ins
+    bool isLocked() const;
+
+ private:
+    class Impl;
+    std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace veltasim

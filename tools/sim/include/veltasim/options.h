@@ -1,0 +1,60 @@
+// How a simulated device is set up. Everything here is read once, by the Device constructor.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include <veltasim/event.h>
+#include <veltasim/request.h>
+
+namespace veltasim {
+
+enum class AuthScheme { Digest, DigestSha256, Basic, None };
+
+// What the device says about itself.
+struct Identity {
+    std::string deviceName = "Access Controller";
+    std::string deviceId = "88";
+    std::string model = "VA204";
+    std::string serialNumber = "VA204-000001";
+    std::string macAddress = "02:56:53:00:00:01";
+    std::string firmwareVersion = "V1.4.2";
+
+    // The identity of the index-th of several devices: serial number, hardware address and name differ.
+    static Identity numbered(unsigned index);
+};
+
+struct Options {
+    std::string bindAddress = "127.0.0.1";  // an IPv4 address
+    uint16_t port = 0;                      // 0: the system picks a free one
+    Identity identity = {};
+
+    // With digest the device accepts the newest nonce only. A client that comes with an older one is told
+    // that it is stale (401, never counted as a failure) and tries again, so that a record may hold more 401s
+    // than log-ins.
+    AuthScheme auth = AuthScheme::Digest;
+    std::string user = "admin";
+    std::string password = "velta-sim-1";
+    unsigned maxFailedLogins = 5;        // failed log-ins in a row that lock the user; 0: never locks
+    std::chrono::seconds lockTime{300};  // how long the lock lasts
+
+    unsigned maxStreams = 8;                     // further subscribers are told "deployExceedMax"
+    std::chrono::milliseconds heartbeat{10000};  // 0: no heartbeats
+    size_t maxQueuedEvents = 4096;       // per subscriber; what comes on top is lost for that subscriber
+    size_t maxQueuedBytes = 64U << 20U;  // likewise; one event is always taken, however large
+    // Sent to each new subscriber in one write with the response header.
+    std::optional<AccessEvent> eventAtConnect = {};
+
+    size_t maxRecordedRequests = 10000;  // the oldest are forgotten
+    size_t maxRecordedBody = 1U << 20U;  // bytes of a request body that are recorded
+    size_t maxRequestBody = 16U << 20U;  // a larger one is answered 413
+    // Called for every request, on the device's thread, just before the answer goes out; must be quick, must
+    // not throw and must not call the device.
+    std::function<void(const RequestRecord&)> onRequest = {};
+};
+
+}  // namespace veltasim

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include <veltasim/device.h>
+
+#include "events.h"
+#include "faults.h"
+#include "outlets.h"
+
+namespace veltasim {
+
+// Those who listen to the device's events. [any thread] unless said otherwise
+class AlertStreams {
+ public:
+    using DeviceName = std::function<std::string()>;
+
+    // Throws std::invalid_argument for an event at connect that is not JSON.
+    AlertStreams(const Options& options, Outlets& outlets, Faults& faults, DeviceName deviceName);
+
+    // [loop thread] Makes the sender of the request a subscriber, or tells it that there are too many.
+    void open(Exchange& exchange, uint16_t devicePort);
+
+    uint64_t send(const AccessEvent& event);
+    void send(const Alarm& alarm);
+    void sendHeartbeat();
+    void sendRaw(std::string bytes);
+
+    void endAfterQueue();
+    void cut();  // [loop thread]
+
+    size_t count() const;
+    bool waitForCount(size_t count, std::chrono::milliseconds timeout) const;
+    uint64_t lostEvents() const;
+
+ private:
+    struct Subscriber {
+        std::string ipAddress;
+        uint16_t port;
+        std::string path;
+    };
+    using MakePart = std::function<Message(const Sender&)>;
+
+    Sender senderTo(const Subscriber& subscriber) const;
+    void broadcast(const MakePart& make);           // with mutex_ locked
+    void push(Outlets::Id id, const Chunk& chunk);  // with mutex_ locked
+    void onClosed(Outlets::Id id);
+
+    const Options& options_;
+    Outlets& outlets_;
+    Faults& faults_;
+    const DeviceName deviceName_;
+    mutable std::mutex mutex_;
+    mutable std::condition_variable changed_;
+    std::map<Outlets::Id, Subscriber> subscribers_;  // guarded by mutex_
+    uint64_t serialNo_ = 0;                          // guarded by mutex_
+    uint64_t lost_ = 0;                              // guarded by mutex_
+};
+
+}  // namespace veltasim

@@ -1,0 +1,51 @@
+#include <array>
+
+#include "resources/resource.h"
+
+namespace veltasim {
+namespace {
+
+constexpr std::array kResources{
+    Resource{"GET", "/VELTA/Security/userCheck", getUserCheck},
+    Resource{"GET", "/VELTA/System/deviceInfo", getDeviceInfo},
+    Resource{"PUT", "/VELTA/System/deviceInfo", putDeviceInfo},
+    Resource{"GET", "/VELTA/Event/notification/alertStream", nullptr},
+    Resource{"GET", "/VELTA/AccessControl/capabilities", getAccessControlCapabilities},
+};
+
+std::string_view cutSegment(std::string_view& path) {
+    const size_t end = std::min(path.find('/'), path.size());
+    const std::string_view segment = path.substr(0, end);
+    path.remove_prefix(std::min(end + 1, path.size()));
+    return segment;
+}
+
+bool matches(std::string_view pattern, std::string_view path, std::vector<std::string>& variables) {
+    while (!pattern.empty() && !path.empty()) {
+        const std::string_view expected = cutSegment(pattern);
+        const std::string_view segment = cutSegment(path);
+        if (expected.starts_with('{'))
+            variables.emplace_back(segment);
+        else if (expected != segment)
+            return false;
+    }
+    return pattern.empty() && path.empty();
+}
+
+}  // namespace
+
+Route findResource(std::string_view method, std::string_view path) {
+    Route route;
+    for (const Resource& resource : kResources) {
+        std::vector<std::string> variables;
+        if (!matches(resource.path, path, variables)) continue;
+        route.pathKnown = true;
+        if (resource.method != method) continue;
+        route.resource = &resource;
+        route.variables = std::move(variables);
+        break;
+    }
+    return route;
+}
+
+}  // namespace veltasim
