@@ -1,0 +1,4 @@
+velta_test(test_host
+  SOURCES unit/host/answer_test.cpp unit/host/device_address_test.cpp unit/host/event_text_test.cpp
+          unit/host/picture_test.cpp
+  LIBRARIES velta_host_core)

@@ -1,0 +1,176 @@
+// Requests of a host on their way to a device and back. They need no log-in check, so nothing waits here.
+#include <gmock/gmock.h>
+#include <json/json.h>
+#include <veltasim/device.h>
+
+#include <memory>
+#include <sstream>
+
+#include "plugin.h"
+
+using namespace host;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+class GatewayTest : public testing::Test {
+ protected:
+    veltasim::Device device;
+    Library library;
+    std::unique_ptr<Session> session;
+
+    void SetUp() override {
+        device.start();
+        ASSERT_EQ(library.record->Init(), VELTA_OK);
+        session = std::make_unique<Session>(library);
+        ASSERT_EQ(session->connectTo(device.port()), 0U);
+    }
+    void TearDown() override {
+        session.reset();
+        EXPECT_EQ(library.record->Uninit(), VELTA_OK);
+    }
+
+    /* Requests that the device let in, as "METHOD target". */
+    std::vector<std::string> served() {
+        std::vector<std::string> lines;
+        for (const auto& request : device.requests()) {
+            if (!request.user.empty()) lines.push_back(request.method + " " + request.target);
+        }
+        return lines;
+    }
+    std::string raw(const char* request, unsigned size = 4096) {
+        std::string text = request;
+        std::string answer(4096, '#');
+        EXPECT_EQ(
+            session->gateway->VELTA_Getway(session->instance, text.data(), answer.data(), size, nullptr), 0);
+        EXPECT_EQ(answer.find_first_not_of('#', size),
+                  std::string::npos);  // nothing is written behind the buffer
+        return answer.c_str();
+    }
+};
+
+uint32_t errorCodeOf(const std::string& answer) {
+    Json::Value status;
+    std::istringstream(answer) >> status;
+    return status["errorCode"].asUInt();
+}
+
+TEST_F(GatewayTest, forwardsWhatItGetsWithoutTheHostsParameter) {
+    const std::string answer = session->request("GET", "/VELTA/System/deviceInfo?devIndex=1");
+    EXPECT_THAT(answer, HasSubstr("<DeviceInfo"));
+    const std::string capabilities =
+        session->request("GET", "/VELTA/AccessControl/capabilities?format=json&devIndex=1");
+    EXPECT_THAT(capabilities, testing::StartsWith("{"));
+    const std::string unknown =
+        session->request("DELETE", "/VELTA/Some/Thing?devIndex=1&a=b", "<x>\xc3\xa9</x>");
+    EXPECT_THAT(unknown, HasSubstr("<statusCode>4</statusCode>"));
+    EXPECT_THAT(served(), testing::ElementsAre("GET /VELTA/System/deviceInfo",
+                                               "GET /VELTA/AccessControl/capabilities?format=json",
+                                               "DELETE /VELTA/Some/Thing&a=b"));
+    const auto last = device.requests().back();
+    EXPECT_EQ(last.body, "<x>\xc3\xa9</x>");
+    EXPECT_EQ(last.header("Content-Type"), "application/xml;charset=UTF-8");
+    EXPECT_EQ(last.header("Connection"), "keep-alive");
+    EXPECT_EQ(last.header("Expect"), "");
+}
+
+TEST_F(GatewayTest, refusesBadEnvelopesWithoutAskingTheDevice) {
+    struct Case {
+        const char* request;
+        uint32_t errorCode;
+    };
+    const Case cases[] = {
+        {"", 0x60000001},
+        {"   ", 0x60000001},
+        {"no json", 0x60000001},
+        {"null", 0x60000001},
+        {R"([{"method":"GET"}])", 0x60000001},
+        {R"({"method":"GET","uri":"/VELTA/X?devIndex=1"})", 0x60000001},
+        {R"({"method":"GET","uri":"/VELTA/X?devIndex=1","body":{}})", 0x60000001},
+        {R"({"method":"GET","url":"/VELTA/X?devIndex=1","body":""})", 0x60000001},
+        {R"({"method":null,"uri":"/VELTA/X?devIndex=1","body":""})", 0x60000001},
+        {R"({"method":{},"uri":"/VELTA/X?devIndex=1","body":""})", 0x60000001},
+        {R"({"method":"get","uri":"/VELTA/X?devIndex=1","body":""})", 0x60000001},
+        {R"({"method":"GET","uri":"/VELTA/X?a=1","body":""})", 0x60000001},
+        {R"({"method":"GET","uri":"/VELTA/X","body":""})", 0x4000111D},  // passing through needs a query
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(errorCodeOf(raw(c.request)), c.errorCode) << c.request;
+    EXPECT_EQ(errorCodeOf(raw(std::string(100'000, '[').c_str())), 0x60000001U);
+    std::string answer(100, '#');
+    EXPECT_EQ(session->gateway->VELTA_Getway(session->instance, nullptr, answer.data(), 100, nullptr), 0);
+    EXPECT_THAT(answer, HasSubstr("1610612737"));
+    EXPECT_THAT(device.requests(), IsEmpty());
+    EXPECT_THAT(raw(R"(  {"method":"GET","uri":"/VELTA/System/deviceInfo?devIndex=1","body":""}  )"),
+                HasSubstr("<DeviceInfo"));
+}
+
+TEST_F(GatewayTest, cutsTheAnswerToTheBuffer) {
+    const char* request = R"({"method":"GET","uri":"/VELTA/System/deviceInfo?devIndex=1","body":""})";
+    const std::string whole = raw(request);
+    EXPECT_EQ(raw(request, 11), whole.substr(0, 10));
+    EXPECT_EQ(raw(request, 1), "");
+    EXPECT_EQ(raw(request, 0), std::string(4096, '#'));
+    std::string text = request;
+    EXPECT_EQ(session->gateway->VELTA_Getway(session->instance, text.data(), nullptr, 100, nullptr), 0);
+}
+
+TEST_F(GatewayTest, mergesADeviceNameIntoTheDevicesOwnDocument) {
+    const std::string answer =
+        session->request("PUT", "/VELTA/System/deviceInfo?devIndex=1",
+                         "<DeviceInfo><deviceName>East gate</deviceName></DeviceInfo>");
+    EXPECT_THAT(answer, HasSubstr("<statusCode>1</statusCode>"));
+    EXPECT_EQ(device.deviceName(), "East gate");
+    EXPECT_THAT(served(),
+                testing::ElementsAre("GET /VELTA/System/deviceInfo", "PUT /VELTA/System/deviceInfo"));
+    EXPECT_THAT(device.requests().back().body, HasSubstr("<serialNumber>"));
+    EXPECT_EQ(device.requests().back().body.find('\0'), std::string::npos);
+}
+
+TEST_F(GatewayTest, aFailedExchangeIsAnUnknownError) {
+    device.setFault({.kind = veltasim::FaultKind::HttpError});
+    EXPECT_THAT(session->request("GET", "/VELTA/System/deviceInfo?devIndex=1"), HasSubstr("ResponseStatus"));
+    device.clearFaults();
+    device.setFault({.kind = veltasim::FaultKind::Drop});
+    EXPECT_EQ(errorCodeOf(session->request("GET", "/VELTA/System/deviceInfo?devIndex=1")), 0x4000111DU);
+    // The document of the device can't be read, so its name is not written, and its answer is nobody's
+    // answer.
+    device.clearFaults();
+    device.setFault({.kind = veltasim::FaultKind::HttpError, .count = 1});
+    EXPECT_EQ(errorCodeOf(session->request("PUT", "/VELTA/System/deviceInfo?devIndex=1",
+                                           "<DeviceInfo><deviceName>x</deviceName></DeviceInfo>")),
+              0x4000111DU);
+    device.powerOff();
+    EXPECT_EQ(errorCodeOf(session->request("GET", "/VELTA/System/deviceInfo?devIndex=1")), 0x4000111DU);
+    device.powerOn();
+    EXPECT_THAT(session->request("GET", "/VELTA/System/deviceInfo?devIndex=1"), HasSubstr("<DeviceInfo"));
+}
+
+TEST_F(GatewayTest, rebootGoesOutWithoutABody) {
+    session->request("PUT", "/VELTA/System/reboot?devIndex=1", "<ignored/>");
+    const auto request = device.requests().back();
+    EXPECT_EQ(request.target, "/VELTA/System/reboot");
+    EXPECT_EQ(request.body, "");
+    EXPECT_EQ(request.header("Content-Length"), "0");
+    EXPECT_EQ(request.header("Accept"), "*/*");
+    EXPECT_EQ(request.header("Content-Type"), "");
+}
+
+TEST_F(GatewayTest, logsInWithEveryScheme) {
+    for (const auto scheme : {veltasim::AuthScheme::Digest, veltasim::AuthScheme::DigestSha256,
+                              veltasim::AuthScheme::Basic, veltasim::AuthScheme::None}) {
+        veltasim::Device other({.auth = scheme});
+        other.start();
+        Session visitor(library);
+        ASSERT_EQ(visitor.connectTo(other.port()), 0U);
+        EXPECT_THAT(visitor.request("PUT", "/VELTA/Some/Thing?devIndex=1", "whole"), HasSubstr("notSupport"));
+        const auto requests = other.requests();
+        // A device that asks for no log-in carries out the first request: it must be whole, and the only one.
+        EXPECT_EQ(requests.size(), scheme == veltasim::AuthScheme::None ? 1U : 2U);
+        EXPECT_EQ(requests.back().body, "whole");
+        EXPECT_EQ(requests.front().header("Authorization"), "");
+    }
+}
+
+}  // namespace
