@@ -50,20 +50,22 @@ typedef struct VELTA_ConnectTable {
      * VELTA_OK; VELTA_E_NULL_PARAMETER for a null status. [any thread] */
     int (*GetConnectStatus)(void* instance, int* status, char* info);
 
-    int (*SetDevRegisterCallBack)(void* instance, char* url, VELTA_DevRegisterCallBack callback,
-                                  void* user); /* VELTA_E_NOT_SUPPORTED */
-    int (*SetLoginResultCallBack)(void* instance, VELTA_LoginResultCallBack callback,
-                                  void* user); /* likewise */
+    /* Both VELTA_E_NOT_SUPPORTED. */
+    int (*SetDevRegisterCallBack)(void* instance, char* url, VELTA_DevRegisterCallBack callback, void* user);
+    int (*SetLoginResultCallBack)(void* instance, VELTA_LoginResultCallBack callback, void* user);
 
     /* Stores the connection parameters and registers the session for the online check, which comes every 15 s
      * on the plug-in's timer thread, session after session. Does not contact the device itself.
      *
-     * url is a sequence of items "key=value;"; text after the last ";" is ignored, nothing is trimmed or
-     * unescaped: Connect=TCP/IP;   required as it stands Target=...;       the device's address or host name,
-     * required Port=...;         its HTTP port, 1 to 65535, required DevIndex=...;     the host's key of the
-     * device: a later session with the same key takes its place in the check DeviceName=...;   written into
-     * the device's information once after each Connect_V2; empty: left alone ResType=...;      kept, not
-     * interpreted user and password: required, together at most VELTA_MAX_CREDENTIALS bytes.
+     * url is a sequence of items "key=value;"; text after the last ";" is ignored, nothing is trimmed or unescaped:
+     *   Connect=TCP/IP;   required as it stands
+     *   Target=...;       the device's address or host name, required
+     *   Port=...;         its HTTP port, 1 to 65535, required
+     *   DevIndex=...;     the host's key of the device: a later session with the same key takes its place in the
+     *                     check, and disconnecting or destroying either of them takes the key out
+     *   DeviceName=...;   written into the device's information once after each Connect_V2; empty: left alone
+     *   ResType=...;      kept, not interpreted
+     * user and password: required, together at most VELTA_MAX_CREDENTIALS bytes.
      *
      * VELTA_OK; VELTA_E_NULL_PARAMETER for a null argument; VELTA_E_BAD_PARAMETER for a wrong "Connect"
      * (nothing is stored), and for an empty or overlong value, a port out of range or a control character in

@@ -40,9 +40,9 @@ typedef struct tagEVENT_BASE_INFO {
 /* One picture of an event. */
 typedef struct tagEVENT_EXT_ITEM {
     uint8_t reserved1[8];
-    char* data;     /* the MIME headers of the picture part, an empty line, the JPEG; a zero byte follows the
-                       data. The     headers' Content-Length is the length of the JPEG: bytes behind it belong to the
-                       stream. */
+    char*
+        data; /* the boundary line and MIME headers of the picture part, an empty line, the JPEG; a zero byte
+                       follows. The headers' Content-Length is that of the JPEG: bytes behind it belong to the stream. */
     int32_t length; /* of data, without the zero byte */
     uint8_t reserved2[68];
 } tagEVENT_EXT_ITEM;
@@ -69,8 +69,10 @@ typedef void (*VELTA_EventCallBack)(void* instance, char* sourceId, tagEVENT_BAS
 typedef struct VELTA_EventTable {
     /* With a callback: arms the session, that is, opens the device's alert stream on a thread of its own.
      * Only on an online session; losing the connection disarms, its return arms again with the same callback.
-     * On a session that is armed already it is VELTA_OK and the first callback stays in force. With null:
-     * disarms. When it returns VELTA_OK, the callback is not running and will not run again, unless it is
+     * On a session that is armed already it is VELTA_OK and the first callback stays in force.
+     * A stream that the device closes while it stays online is not opened again until the status changes, or until
+     * the host cancels and sets its callback anew.
+     * With null: disarms. When it returns VELTA_OK, the callback is not running and will not run again, unless it is
      * called from inside that callback.
      * Events reach the callback while the switch "SetEventSub" (plugin.h) is on.
      *

@@ -88,12 +88,13 @@ typedef struct xplugin_export_interface_t_v3 {
 typedef void* (*VELTA_GetPluginInterfaceFunction)(void);
 
 /* Plugin_SetConfig: one configuration command. head is compared exactly.
- *   "SetEventSub", "SetMarlListen"   message: an integer; other than 0 lets events through to the event
- * callbacks. Off after Init. Both drive the same switch. "NetZoneTableNotify"             message:
- * {"accessNetInfos":[{"protocolType":"VELTA","accessIp":TEXT,"id":INT}]} sets the network zone; without a
- * "VELTA" entry it is cleared. "SetMARLSDKLog", "InitListenPort" accepted and ignored. VELTA_OK;
- * VELTA_REFUSED for a null argument, an unknown head, an unreadable message. [any thread after Init, in
- * event] */
+ *   "SetEventSub", "SetMarlListen"     message: an integer; other than 0 lets events through to the event
+ *                                      callbacks. Off after Init. Both drive the same switch.
+ *   "NetZoneTableNotify"               message: {"accessNetInfos":[{"protocolType":"VELTA","accessIp":TEXT,"id":INT}]}
+ *                                      sets the network zone; without a "VELTA" entry it is cleared.
+ *   "SetMARLSDKLog", "InitListenPort"  accepted and ignored.
+ * VELTA_OK; VELTA_REFUSED for a null argument, an unknown head, an unreadable message.
+ * [any thread after Init, in event] */
 typedef int (*VELTA_SetConfigFunction)(const char* head, const char* message);
 
 #ifdef __cplusplus

@@ -12,8 +12,9 @@
 /* Error numbers: the top four bits are a status group (1 OK, 2 Device Busy, 3 Device Error, 4 Invalid
  * Operation, 5 Invalid Format, 6 Content Error, 7 Reboot Required). The gateway's answers carry the same
  * numbers. */
-#define VELTA_E_OFFLINE UINT32_C(0x20000009)   /* the device is not online */
-#define VELTA_E_NOT_BOUND UINT32_C(0x3000100C) /* callback set on an interface that belongs to no instance \
+#define VELTA_E_OFFLINE UINT32_C(0x20000009) /* the device is not online */
+#define VELTA_E_NOT_BOUND \
+    UINT32_C(0x3000100C) /* callback set on an interface that belongs to no instance \
                                                 */
 #define VELTA_E_NOT_SUPPORTED UINT32_C(0x40000001)  /* this plug-in does not offer the operation */
 #define VELTA_E_NULL_PARAMETER UINT32_C(0x4000000A) /* a required pointer is null */

@@ -240,33 +240,25 @@ TEST(Login, refused_handsBackTheRefusal) {
 }
 
 TEST(Answer, isHandedBackUpToTheCapacity) {
-    const struct {
-        Answer answer;
-        uint32_t capacity, status;
-        std::string body;
-    } cases[] = {
-        {{ok("a\0b\0"s)}, 4, 200, "a\0b\0"s},
-        {{ok("0123456789")}, 9, 200, "012345678"},
-        {{ok("0123456789")}, 0, 200, ""},
-        {{"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n"},
-         99,
-         200,
-         "abcde"},
-        {{"HTTP/1.0 200 OK\r\n\r\nto the end", Then::kClose}, 99, 200, "to the end"},
-        {{"HTTP/1.1 200 OK\r\n\r\nan endless answer", Then::kHang}, 10, 200, "an endless"},
-        {{"HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 2\r\n\r\nno"}, 99, 302, "no"},
-        {{"HTTP/1.1 204 No Content\r\n\r\n"}, 99, 204, ""},
-    };
-    for (const auto& c : cases) {
-        ScriptedServer server({c.answer});
+    const auto check = [](const Answer& answer, uint32_t capacity, uint32_t status, const std::string& body) {
+        ScriptedServer server({answer});
         Client client;
         client.login();
-        const Outcome outcome = client.exchange(server.url(), NET_HTTPCLIENT_METHOD_GET, c.capacity);
-        EXPECT_EQ(outcome.result, 1) << c.answer.bytes;
-        EXPECT_EQ(outcome.status, c.status);
-        EXPECT_EQ(outcome.body, c.body);
+        const Outcome outcome = client.exchange(server.url(), NET_HTTPCLIENT_METHOD_GET, capacity);
+        EXPECT_EQ(outcome.result, 1) << answer.bytes;
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.body, body);
         EXPECT_THAT(server.requests(), SizeIs(1));
-    }
+    };
+    check({ok("a\0b\0"s)}, 4, 200, "a\0b\0"s);
+    check({ok("0123456789")}, 9, 200, "012345678");
+    check({ok("0123456789")}, 0, 200, "");
+    const std::string chunks = "3\r\nabc\r\n2\r\nde\r\n0\r\n\r\n";
+    check({"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n" + chunks}, 99, 200, "abcde");
+    check({"HTTP/1.0 200 OK\r\n\r\nto the end", Then::kClose}, 99, 200, "to the end");
+    check({"HTTP/1.1 200 OK\r\n\r\nan endless answer", Then::kHang}, 10, 200, "an endless");
+    check({"HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 2\r\n\r\nno"}, 99, 302, "no");
+    check({"HTTP/1.1 204 No Content\r\n\r\n"}, 99, 204, "");
 }
 
 TEST(Exchange, withoutWholeAnswer_failsAndLeavesOutUntouched) {

@@ -1,6 +1,6 @@
 // An HTTP interface for programs that want to steer simulated devices from outside; loopback only, no log-in.
 //
-//     GET    /control/devices            all devices: url, streams, power, lock
+//     GET    /control/devices            all devices: url, streams, power, lock, clock, outputs
 //     GET    /control/requests?device=0  the recorded requests; &after=N: those with a greater number
 //     DELETE /control/requests           forgets them
 //     GET    /control/faults             the faults in force
@@ -12,6 +12,11 @@
 //     POST   /control/power              {"on":false,"seconds":5}; without "seconds" until it is switched on
 //     POST   /control/streams            {"end":"at-once"} or {"end":"after-queue"}
 //     POST   /control/lock               {"seconds":60}; 0 unlocks
+//     POST   /control/clock              {"time":1767225600,"timeZone":"CST-1:00:00"}, both or one; seconds since
+//                                        1970 in UTC
+//     POST   /control/answer             {"path":"/VELTA/...","method":"GET","status":200,"body":"..."}: answers so
+//                                        from now on; all but the path may be missing
+//     DELETE /control/answers            ends all scripted answers
 //
 // Requests may name one device by its index, in the query ("?device=1"). Without it GET means device 0 and
 // the others mean all. Errors are answered 4xx with {"error":"..."}.

@@ -94,6 +94,23 @@ class Device {
     void unlockUser();                             // also forgets failed log-ins
     bool isLocked() const;
 
+    bool outputIsHigh(unsigned output) const;            // false also if there is no such output
+    void setProxyOnline(unsigned channel, bool online);  // all are online at first
+
+    // The clock goes on whether the power is on or off; at first it shows the time of this machine. The zone is
+    // "CST-8:00:00" at first; any text is taken, and one that is no zone counts as UTC.
+    std::chrono::sys_seconds deviceTime() const;
+    void setDeviceTime(std::chrono::sys_seconds time);
+    std::string timeZone() const;
+    void setTimeZone(std::string zone);
+
+    // -- scripted answers --
+    // From now on exactly this answers requests of that method and path (without query), be it a resource of
+    // the device or not. Log-in and faults are as ever.
+    void setAnswer(const std::string& method, const std::string& path, int httpStatus, std::string body);
+    void setDocument(const std::string& path, std::string body);  // what GET answers, with status 200
+    void clearAnswers();
+
  private:
     class Impl;
     std::unique_ptr<Impl> impl_;

@@ -9,7 +9,7 @@
 namespace veltasim {
 
 // Faults strike requests that were let in; a client that is only being asked for its password sees none.
-// On an alert stream HttpError, HangBefore and StaleNonce strike when it is opened; each other fault strikes
+// On an alert stream HttpError, Status, HangBefore and StaleNonce strike when it is opened; each other fault strikes
 // parts, and then each part (event, alarm, heartbeat) counts as one answer.
 enum class FaultKind {
     HangBefore,     // "hang-before": no answer at all; the connection stays open
@@ -19,8 +19,10 @@ enum class FaultKind {
                     // too small)
     MalformedBody,  // "malformed": the body loses its second half, Content-Length fits what is left
     HttpError,      // "http-error": HTTP status `amount` (default 500) with a ResponseStatus
-    SlowBytes,      // "slow": `amount` bytes per second (default 100)
-    StaleNonce,     // "stale-nonce": 401 that asks for the same password with a new nonce (digest only)
+    Status,      // "status": a ResponseStatus with the errorCode `amount` (default 1610612737), whose upper
+                 // four bits are the statusCode; the HTTP status is the one that belongs to it
+    SlowBytes,   // "slow": `amount` bytes per second (default 100)
+    StaleNonce,  // "stale-nonce": 401 that asks for the same password with a new nonce (digest only)
 };
 
 struct Fault {

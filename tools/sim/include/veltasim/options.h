@@ -28,10 +28,22 @@ struct Identity {
     static Identity numbered(unsigned index);
 };
 
+// What the device has, numbered from 1. 0: none, its list is empty; nothing: it does not know the resource (404).
+struct Inventory {
+    std::optional<unsigned> videoInputs = 1;
+    std::optional<unsigned> proxyChannels = 0;  // cameras of others that a recorder takes in
+    std::optional<unsigned> audioChannels = 1;
+    std::optional<unsigned> ioInputs = 2;
+    std::optional<unsigned> ioOutputs = 2;
+    std::optional<unsigned> networkInterfaces = 1;
+};
+
 struct Options {
     std::string bindAddress = "127.0.0.1";  // an IPv4 address
     uint16_t port = 0;                      // 0: the system picks a free one
     Identity identity = {};
+    Inventory inventory = {};
+    std::chrono::milliseconds rebootTime{10000};  // how long a device that reboots is away
 
     // With digest the device accepts the newest nonce only. A client that comes with an older one is told
     // that it is stale (401, never counted as a failure) and tries again, so that a record may hold more 401s
