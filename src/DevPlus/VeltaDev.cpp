@@ -1,21 +1,46 @@
 #include "DevPlus/VeltaDev.h"
 
+#include <dlfcn.h>
 #include <velta/connect.h>
 #include <velta/event.h>
 #include <velta/gateway.h>
 
 #include <new>
+#include <utility>
 
 #include "DevPlus/PluginConfig.h"
 #include "device/CVeltaDevice.h"
 #include "manager/CVeltaDevMgr.h"
 
+namespace {
+
+// Between Init and Uninit the library holds itself loaded: a host that ends without Uninit, and drops the library
+// while it does, must not take the code away from under threads that still run.
+void* ownHandle = nullptr;
+
+void holdLoaded() {
+    Dl_info self;
+    if (ownHandle == nullptr && dladdr(reinterpret_cast<void*>(&XPLUGIN_GetPluginInterface), &self) != 0) {
+        ownHandle = dlopen(self.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+    }
+}
+
+void letGo() {
+    if (void* const handle = std::exchange(ownHandle, nullptr)) dlclose(handle);
+}
+
+}  // namespace
+
 int VeltaDev_Init() {
-    return CVeltaDevMgr::instance().init();
+    const int result = CVeltaDevMgr::instance().init();
+    if (result == VELTA_OK) holdLoaded();
+    return result;
 }
 
 int VeltaDev_Uninit() {
-    return CVeltaDevMgr::instance().unInit();
+    const int result = CVeltaDevMgr::instance().unInit();
+    letGo();
+    return result;
 }
 
 int VeltaDev_CreateInstance(CDevBase** instance) {

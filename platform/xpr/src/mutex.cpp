@@ -50,17 +50,17 @@ int XPR_MutexCreate(XPR_Mutex* mutex, int kind) {
     return XPR_OK;
 }
 
-int XPR_MutexLock(XPR_Mutex* mutex) {
+int XPR_MutexLock(XPR_Mutex* mutex) XPR_NO_ANALYSIS {
     return acquire(mutex, [mutex] { return pthread_cond_wait(&mutex->released, &mutex->state); });
 }
 
-int XPR_MutexTryLock(XPR_Mutex* mutex, uint32_t timeoutMs) {
+int XPR_MutexTryLock(XPR_Mutex* mutex, uint32_t timeoutMs) XPR_NO_ANALYSIS {
     if (timeoutMs == 0) return acquire(mutex, [] { return ETIMEDOUT; });
     const timespec end = xpr::deadlineIn(timeoutMs);
     return acquire(mutex, [&] { return pthread_cond_timedwait(&mutex->released, &mutex->state, &end); });
 }
 
-int XPR_MutexUnlock(XPR_Mutex* mutex) {
+int XPR_MutexUnlock(XPR_Mutex* mutex) XPR_NO_ANALYSIS {
     if (mutex == nullptr) return fail(XPR_ERROR_PARAMETER);
     const SystemLock lock(&mutex->state);
     if (!heldByCaller(mutex)) return fail(XPR_FAILED, EPERM);
