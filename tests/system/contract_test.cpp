@@ -15,6 +15,7 @@ using namespace host;
 namespace {
 
 int threadCount() {
+    std::thread([] {}).join();  // a sanitizer starts a thread of its own with the first one
     int count = 0;
     DIR* tasks = opendir("/proc/self/task");
     while (const dirent* entry = readdir(tasks))
@@ -73,6 +74,7 @@ TEST(Contract, recordsOfTheOtherKindsCannotCreate) {
 }
 
 TEST(Contract, canBeLoadedAgain) {
+    const int threads = threadCount();
     for (int round = 0; round < 3; ++round) {
         Library library;
         ASSERT_EQ(library.record->Init(), VELTA_OK)
@@ -82,7 +84,7 @@ TEST(Contract, canBeLoadedAgain) {
         session.destroy();
         EXPECT_EQ(library.record->Uninit(), VELTA_OK);
     }
-    EXPECT_EQ(threadCount(), 1);
+    EXPECT_EQ(threadCount(), threads);
 }
 
 TEST(Contract, hostMayExitWithoutUninit) {
