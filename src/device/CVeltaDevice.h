@@ -18,6 +18,15 @@
 #include "device/Connection.h"
 #include "device/StreamSockets.h"
 
+/* What getDeviceInfo reads. */
+struct VeltaDeviceInfo {
+    std::string model;
+    int32_t infoValid = 0; /* 1 when every field was read */
+    std::string version;   /* of the firmware, with its date */
+    std::string serial;
+    int32_t active = 0; /* 1 when every field was read */
+};
+
 /* The session of one device. The host reaches it through the four interfaces; <velta/...> says what their
  * operations do for a host, the comments here what the plug-in's own threads need to know.
  *
@@ -88,9 +97,19 @@ class CVeltaDevice final : public CDevBase,
     /* Frees an extension with its items and sets the pointer to null. */
     static void releaseEventExtInfo(tagEVENT_EXT_INFO*& ext);
 
+    // Inventory (Inventory.cpp)
+
+    /* Reads the device's identity. 0; 0x60000001 when its document lacks an element, with the elements before that one
+     * written; -1 when it does not answer. */
+    int32_t getDeviceInfo(VeltaDeviceInfo& info);
+    /* The host's JSON of the device: identity, state and channels. 0, also for a device that does not answer, which is
+     * then only said to be offline; 0x60000001, with out untouched, when a list is no XML document. */
+    uint32_t getDeviceBaseInfo(std::string& out);
+
     // Gateway (gateway/Gateway.cpp)
 
     int VELTA_Getway(char* request, char* response, unsigned int responseSize, tagVELTA_INFO* info) override;
+    int DeviceLoop(char* buffer, unsigned int size) override;
     /* Reads a device's ResponseStatus document. 0: success. Otherwise its error number, with the host's
      * status JSON in answer; 0x60000001, with answer untouched, when the document can't be read. */
     uint32_t parseVELTAResponseStatus(std::string& answer, const std::string& deviceXml);

@@ -62,6 +62,23 @@ int CVeltaDevice::VELTA_Getway(char* request, char* response, unsigned int respo
     return VELTA_OK;
 }
 
+// The text has always been used as a format: "%%" arrives as "%", and the room is counted before that. What
+// else a device's texts may hold ("100%s") stays as it is.
+int CVeltaDevice::DeviceLoop(char* buffer, unsigned int size) {
+    const CallGuard call(*this);
+    std::string text;
+    const uint32_t result = getDeviceBaseInfo(text);
+    const size_t room = std::min<size_t>(text.size(), size);
+    std::string written;
+    written.reserve(text.size());
+    for (size_t at = 0; at < text.size(); ++at) {
+        written += text[at];
+        if (text.compare(at, 2, "%%") == 0) ++at;
+    }
+    XPR_Strncpy(buffer, room, written.c_str(), written.size());
+    return static_cast<int>(result);
+}
+
 uint32_t CVeltaDevice::dispatch(const std::string& request, std::string& answer) {
     Envelope envelope;
     if (!readEnvelope(request, envelope)) {

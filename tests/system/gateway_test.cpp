@@ -173,4 +173,78 @@ TEST_F(GatewayTest, logsInWithEveryScheme) {
     }
 }
 
+std::string inventoryText(Session& session, unsigned size = 1 << 16) {
+    std::string buffer(size, '#');
+    EXPECT_EQ(session.gateway->DeviceLoop(session.instance, buffer.data(), size), 0);
+    return buffer.c_str();
+}
+
+Json::Value inventory(Session& session) {
+    Json::Value device;
+    std::istringstream(inventoryText(session)) >> device;
+    return device;
+}
+
+TEST_F(GatewayTest, listsTheDevicesChannels) {
+    veltasim::Device recorder(
+        {.inventory = {.videoInputs = 1, .proxyChannels = 2, .audioChannels = 0, .ioOutputs = std::nullopt}});
+    recorder.start();
+    recorder.setProxyOnline(2, false);
+    Session visitor(library);
+    ASSERT_EQ(visitor.connectTo(recorder.port()), 0U);
+    const Json::Value read = inventory(visitor);
+    EXPECT_EQ(read["devIndex"].asString(), "");
+    EXPECT_TRUE(read["onlineStatus"].asBool());
+    EXPECT_EQ(read["port"].asInt(), recorder.port());
+    EXPECT_EQ(read["serialNo"].asString(), recorder.options().identity.serialNumber);
+    EXPECT_THAT(read["devVersion"].asString(),
+                testing::StartsWith(recorder.options().identity.firmwareVersion + " "));
+    EXPECT_EQ(read["netZoneId"].asInt(), -1);
+    const Json::Value& video = read["videoChannels"];
+    ASSERT_EQ(video.size(), 3U);
+    EXPECT_EQ(video[0]["channelType"].asString(), "analog");
+    EXPECT_EQ(video[1]["channelType"].asString(), "digital");
+    EXPECT_EQ(video[1]["channelStatus"].asString(), "true");
+    EXPECT_EQ(video[2]["channelNo"].asInt(), 2);
+    EXPECT_EQ(video[2]["channelStatus"].asString(), "false");
+    EXPECT_TRUE(read["audioChannels"].isArray());
+    EXPECT_TRUE(read["alarmOutChannels"].isNull());  // the device has no such resource
+    // Inputs are named by their position.
+    ASSERT_EQ(read["alarmInChannels"].size(), 2U);
+    EXPECT_EQ(read["alarmInChannels"][0]["channelNo"].asInt(), 1);
+    EXPECT_EQ(read["alarmInChannels"][0]["channelName"].asString(), "AlarmInChan_0");
+    EXPECT_EQ(inventoryText(visitor).back(), '}');  // the line feed is what a text that fits loses
+    // Outputs by their number.
+    EXPECT_EQ(inventory(*session)["alarmOutChannels"][1]["channelName"].asString(), "AlarmOutChan_2");
+}
+
+TEST_F(GatewayTest, readsOddInventories) {
+    device.setDocument("/VELTA/System/IO/outputs",
+                       "<L><IOOutputPort><id>7x</id></IOOutputPort><Other/><IOOutputPort/></L>");
+    const Json::Value outputs = inventory(*session)["alarmOutChannels"];
+    ASSERT_EQ(outputs.size(), 2U);
+    EXPECT_EQ(outputs[0]["channelNo"].asInt(), 7);
+    EXPECT_EQ(outputs[1]["channelName"].asString(), "AlarmOutChan_0");
+
+    device.setDocument("/VELTA/System/IO/outputs", "no document");
+    std::string buffer(64, '#');
+    EXPECT_EQ(static_cast<uint32_t>(session->gateway->DeviceLoop(session->instance, buffer.data(), 64)),
+              0x60000001U);
+    EXPECT_EQ(buffer[0], '#');
+
+    device.setDocument("/VELTA/System/deviceInfo", "<DeviceInfo><model>M</model></DeviceInfo>");
+    EXPECT_EQ(inventoryText(*session), R"({"devIndex":"","onlineStatus":false})");
+}
+
+TEST_F(GatewayTest, writesTheInventoryAsItAlwaysHas) {
+    device.setDocument("/VELTA/System/deviceInfo",
+                       "<D><model>100%s%n%%d%%%</model><serialNumber/><firmwareVersion>1</firmwareVersion>"
+                       "<firmwareReleasedDate/></D>");
+    const std::string text = inventoryText(*session);
+    EXPECT_THAT(text, HasSubstr(R"("devType":"100%s%n%d%%")"));
+    EXPECT_EQ(inventoryText(*session, 10), text.substr(0, 9));
+    EXPECT_EQ(inventoryText(*session, 1), "");
+    EXPECT_EQ(session->gateway->DeviceLoop(session->instance, nullptr, 100), 0);
+}
+
 }  // namespace

@@ -46,6 +46,13 @@ TEST_F(Control, steersOneDeviceOrAll) {
     EXPECT_THAT(client->get("/control/faults").body, HasSubstr("\"slow\""));
     client->send("DELETE", "/control/faults");
     EXPECT_THAT(first.faults(), testing::IsEmpty());
+    client->send("POST", "/control/clock?device=1", R"({"time":86400,"timeZone":"CST+1:00:00"})");
+    EXPECT_THAT(client->get("/control/devices?device=1").body, HasSubstr("\"CST+1:00:00\""));
+    EXPECT_LT(second.deviceTime(), first.deviceTime());
+    client->send("POST", "/control/answer", R"({"path":"/VELTA/x","status":201,"body":"<x/>"})");
+    EXPECT_EQ(velta_test::Client(second).get("/VELTA/x").status, 201);
+    client->send("DELETE", "/control/answers");
+    EXPECT_EQ(velta_test::Client(first).get("/VELTA/x").status, 404);
     client->send("POST", "/control/lock", R"({"seconds":60})");
     EXPECT_TRUE(second.isLocked());
     client->send("POST", "/control/power?device=1", R"({"on":false})");
@@ -70,6 +77,8 @@ TEST_F(Control, refusesNonsense) {
         {"POST", "/control/event", R"({"picture":"huge"})", 400},
         {"POST", "/control/fault", R"({"kind":"gremlins"})", 400},
         {"POST", "/control/streams", R"({"end":"soon"})", 400},
+        {"POST", "/control/answer", R"({"status":200})", 400},
+        {"POST", "/control/answer", R"({"path":"/x","status":99})", 400},
     };
     for (const Case& c : cases) {
         const Answer answer = client->send(c.method, c.target, c.body);

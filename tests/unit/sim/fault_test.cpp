@@ -88,6 +88,22 @@ TEST_F(FaultTest, strikesWhereAndAsOftenAsAsked) {
     EXPECT_EQ(client.get(kDeviceInfo).status, 200);
 }
 
+TEST_F(FaultTest, anErrorCodeBringsTheStatusThatBelongsToIt) {
+    struct Case {
+        int64_t errorCode;
+        long httpStatus;
+        const char* text;
+    };
+    for (const Case& c : {Case{0, 400, "<statusCode>6</statusCode>"}, Case{0x20000001, 503, "Device Busy"},
+                          Case{0x4000000A, 403, "<errorCode>1073741834</errorCode>"},
+                          Case{0x60000004, 400, "<subStatusCode>badIPv4Address</subStatusCode>"},
+                          Case{0xF0000000, 400, "<statusCode>15</statusCode>"}}) {
+        const Answer answer = answerWith({.kind = FaultKind::Status, .amount = c.errorCode, .count = 1});
+        EXPECT_EQ(answer.status, c.httpStatus) << c.errorCode;
+        EXPECT_THAT(answer.body, HasSubstr(c.text));
+    }
+}
+
 TEST_F(FaultTest, spoilsPartsOfAStream) {
     device.setFault({.kind = FaultKind::HttpError, .count = 1});
     EXPECT_EQ(Client(device).get("/VELTA/Event/notification/alertStream").status, 500);

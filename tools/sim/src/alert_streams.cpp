@@ -15,8 +15,8 @@ std::string textOf(Message message) {
 
 }  // namespace
 
-AlertStreams::AlertStreams(const Options& options, Outlets& outlets, Faults& faults, DeviceName deviceName)
-    : options_(options), outlets_(outlets), faults_(faults), deviceName_(std::move(deviceName)) {
+AlertStreams::AlertStreams(const Options& options, Outlets& outlets, Faults& faults, Complete complete)
+    : options_(options), outlets_(outlets), faults_(faults), complete_(std::move(complete)) {
     if (options.eventAtConnect) requireJson(options.eventAtConnect->moreMembers);
 }
 
@@ -99,7 +99,9 @@ uint64_t AlertStreams::lostEvents() const {
 
 Sender AlertStreams::senderTo(const Subscriber& subscriber) const {
     const Identity& identity = options_.identity;
-    return {subscriber.ipAddress, subscriber.port, identity.macAddress, identity.deviceId, deviceName_()};
+    Sender sender{subscriber.ipAddress, subscriber.port, identity.macAddress, identity.deviceId, "", ""};
+    complete_(sender);
+    return sender;
 }
 
 void AlertStreams::broadcast(const MakePart& make) {

@@ -17,10 +17,11 @@ namespace veltasim {
 // Those who listen to the device's events. [any thread] unless said otherwise
 class AlertStreams {
  public:
-    using DeviceName = std::function<std::string()>;
+    // Fills in what the device may change: its name and the time.
+    using Complete = std::function<void(Sender&)>;
 
     // Throws std::invalid_argument for an event at connect that is not JSON.
-    AlertStreams(const Options& options, Outlets& outlets, Faults& faults, DeviceName deviceName);
+    AlertStreams(const Options& options, Outlets& outlets, Faults& faults, Complete complete);
 
     // [loop thread] Makes the sender of the request a subscriber, or tells it that there are too many.
     void open(Exchange& exchange, uint16_t devicePort);
@@ -53,7 +54,7 @@ class AlertStreams {
     const Options& options_;
     Outlets& outlets_;
     Faults& faults_;
-    const DeviceName deviceName_;
+    const Complete complete_;
     mutable std::mutex mutex_;
     mutable std::condition_variable changed_;
     std::map<Outlets::Id, Subscriber> subscribers_;  // guarded by mutex_

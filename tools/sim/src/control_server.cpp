@@ -144,6 +144,12 @@ Json::Value listDevices(const Order& order) {
         json["on"] = device->isOn();
         json["locked"] = device->isLocked();
         json["streams"] = Json::UInt64(device->streamCount());
+        json["time"] = Json::Int64(device->deviceTime().time_since_epoch().count());
+        json["timeZone"] = device->timeZone();
+        json["outputsHigh"] = Json::arrayValue;
+        for (int i = 1; i <= static_cast<int>(device->options().inventory.ioOutputs.value_or(0)); ++i) {
+            if (device->outputIsHigh(i)) json["outputsHigh"].append(i);
+        }
         json["lostEvents"] = Json::UInt64(device->lostEvents());
         list.append(json);
     }
@@ -230,6 +236,33 @@ Json::Value lockUser(const Order& order) {
     return Json::objectValue;
 }
 
+Json::Value setClock(const Order& order) {
+    for (Device* device : order.devices) {
+        if (order.body.isMember("time"))
+            device->setDeviceTime(
+                std::chrono::sys_seconds(std::chrono::seconds(order.body["time"].asUInt())));
+        if (order.body.isMember("timeZone")) device->setTimeZone(order.body["timeZone"].asString());
+    }
+    return Json::objectValue;
+}
+
+Json::Value setAnswer(const Order& order) {
+    const std::string path = order.body["path"].asString();
+    if (!path.starts_with('/')) throw Refused(400, "\"path\" is missing");
+    const std::string method = order.body.get("method", "GET").asString();
+    const int status = order.body.get("status", 200).asInt();
+    if (status < 200 || status > 599) throw Refused(400, "no HTTP status: " + std::to_string(status));
+    for (Device* device : order.devices)
+        device->setAnswer(method, path, status, order.body["body"].asString());
+    return Json::objectValue;
+}
+
+Json::Value clearAnswers(const Order& order) {
+    for (Device* device : order.devices)
+        device->clearAnswers();
+    return Json::objectValue;
+}
+
 struct Command {
     std::string_view method;
     std::string_view path;
@@ -248,6 +281,9 @@ constexpr std::array kCommands{
     Command{"POST", "/control/power", switchPower, true},
     Command{"POST", "/control/streams", endStreams, true},
     Command{"POST", "/control/lock", lockUser, true},
+    Command{"POST", "/control/clock", setClock, true},
+    Command{"POST", "/control/answer", setAnswer, true},
+    Command{"DELETE", "/control/answers", clearAnswers, true},
 };
 
 uint64_t numberFrom(const std::string& text) {

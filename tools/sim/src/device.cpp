@@ -10,19 +10,23 @@
 #include "alert_streams.h"
 #include "faults.h"
 #include "http_server.h"
+#include "json_text.h"
 #include "listener.h"
 #include "log_in.h"
 #include "loop.h"
 #include "outlets.h"
 #include "request_log.h"
+#include "resources/network.h"
 #include "resources/resource.h"
+#include "xml.h"
 
 namespace veltasim {
 namespace {
 
 constexpr std::string_view kRoot = "/VELTA/";
 
-State firstState(const Identity& identity) {
+State firstState(const Options& options) {
+    const Identity& identity = options.identity;
     State state;
     state.deviceInfo.deviceName = identity.deviceName;
     state.deviceInfo.deviceId = identity.deviceId;
@@ -30,11 +34,21 @@ State firstState(const Identity& identity) {
     state.deviceInfo.serialNumber = identity.serialNumber;
     state.deviceInfo.macAddress = identity.macAddress;
     state.deviceInfo.firmwareVersion = identity.firmwareVersion;
+    state.inventory = options.inventory;
+    state.outputIsHigh.resize(options.inventory.ioOutputs.value_or(0));
+    for (unsigned i = 0; i < options.inventory.networkInterfaces.value_or(0); ++i)
+        state.networkInterfaces.push_back(firstNetworkInterface(i + 1, identity.macAddress));
     return state;
 }
 
-// The answer as the HTTP server would write it, but for the fault.
-Chunk damaged(const Reply& reply, const Fault& fault) {
+std::optional<Reply> scriptedAnswer(const State& state, const RequestRecord& request) {
+    const auto found = state.scripted.find({request.method, std::string(request.path())});
+    if (found == state.scripted.end()) return std::nullopt;
+    return found->second;
+}
+
+// The answer as the HTTP server would write it, but for the fault, and the last one on its connection.
+Chunk lastChunk(const Reply& reply, const std::optional<Fault>& fault) {
     std::string head = "HTTP/1.1 ";
     head.append(std::to_string(reply.status)).append(" ");
     head.append(MHD_get_reason_phrase_for(static_cast<unsigned>(reply.status)));
@@ -71,9 +85,13 @@ class Device::Impl {
         : options(std::move(given)),
           logIn(options),
           log(options.maxRecordedRequests, options.maxRecordedBody),
-          state_(firstState(options.identity)),
+          state_(firstState(options)),
           outlets(loop_, options.maxQueuedEvents, options.maxQueuedBytes),
-          streams(options, outlets, faults, [this] { return deviceName(); }) {}
+          streams(options, outlets, faults, [this](Sender& sender) {
+              const std::lock_guard lock(stateMutex_);
+              sender.deviceName = state_.deviceInfo.deviceName;
+              sender.dateTime = state_.clock.localTime();
+          }) {}
 
     ~Impl() {
         loop_.call([this] { switchOff(); });
@@ -85,7 +103,12 @@ class Device::Impl {
     void powerOn();
     void cutStreams();
     void clearFaults();
-    std::string deviceName() const;
+    // What the function makes of the state, which is locked meanwhile.
+    template <typename Function>
+    auto withState(Function function) {
+        const std::lock_guard lock(stateMutex_);
+        return function(state_);
+    }
     uint16_t port() const { return listener_ ? listener_->port() : 0; }
 
     const Options options;
@@ -97,13 +120,15 @@ class Device::Impl {
  private:
     void switchOn();
     void switchOff();
+    void goAway(std::optional<std::chrono::milliseconds> returnAfter);
+    void reboot();
     void beat();
     void onRequest(Exchange& exchange);
     void answer(Exchange& exchange);
     Reply replyTo(const Exchange& exchange, const Route& route);
     void note(Exchange& exchange, int status);
 
-    mutable std::mutex stateMutex_;
+    std::mutex stateMutex_;
     State state_;  // guarded by stateMutex_
     Loop loop_;
 
@@ -144,10 +169,12 @@ void Device::Impl::switchOff() {
 }
 
 void Device::Impl::powerOff(std::optional<std::chrono::milliseconds> returnAfter) {
-    loop_.call([&] {
-        switchOff();
-        if (returnAfter) powerReturn_ = loop_.after(*returnAfter, [this] { switchOn(); });
-    });
+    loop_.call([&] { goAway(returnAfter); });
+}
+
+void Device::Impl::goAway(std::optional<std::chrono::milliseconds> returnAfter) {
+    switchOff();
+    if (returnAfter) powerReturn_ = loop_.after(*returnAfter, [this] { switchOn(); });
 }
 
 void Device::Impl::powerOn() {
@@ -163,9 +190,11 @@ void Device::Impl::clearFaults() {
     loop_.call([this] { outlets.cutSilent(); });
 }
 
-std::string Device::Impl::deviceName() const {
-    const std::lock_guard lock(stateMutex_);
-    return state_.deviceInfo.deviceName;
+// The device may have been switched off while the answer was on its way; then it stays off.
+void Device::Impl::reboot() {
+    loop_.post([this] {
+        if (server_) goAway(options.rebootTime);
+    });
 }
 
 void Device::Impl::beat() {
@@ -198,7 +227,8 @@ void Device::Impl::onRequest(Exchange& exchange) {
 void Device::Impl::answer(Exchange& exchange) {
     const RequestRecord& request = exchange.record;
     const Route route = findResource(request.method, request.path());
-    const bool isStream = route.resource && !route.resource->handler;
+    const auto scripted = withState([&](const State& state) { return scriptedAnswer(state, request); });
+    const bool isStream = !scripted && route.resource && !route.resource->handler;
     const auto fault =
         faults.strike(request.path(), isStream ? Faults::Moment::StreamOpening : Faults::Moment::Answer);
 
@@ -217,13 +247,19 @@ void Device::Impl::answer(Exchange& exchange) {
             statusReply(request.target, static_cast<int>(fault->amount), busy ? kDeviceBusy : kDeviceError);
         exchange.answer(reply);
         note(exchange, reply.status);
+    } else if (fault && fault->kind == FaultKind::Status) {
+        const Reply reply = statusReply(request.target, static_cast<uint32_t>(fault->amount));
+        exchange.answer(reply);
+        note(exchange, reply.status);
     } else if (isStream) {
         streams.open(exchange, port());
         note(exchange, MHD_HTTP_OK);
     } else {
-        const Reply reply = replyTo(exchange, route);
-        if (fault)
-            outlets.push(outlets.open(exchange), damaged(reply, *fault));
+        const Reply reply = scripted ? *scripted : replyTo(exchange, route);
+        if (reply.thenReboot)
+            outlets.push(outlets.open(exchange, [this](Outlets::Id) { reboot(); }), lastChunk(reply, fault));
+        else if (fault)
+            outlets.push(outlets.open(exchange), lastChunk(reply, fault));
         else
             exchange.answer(reply);
         note(exchange, reply.status);
@@ -321,7 +357,7 @@ std::optional<RequestRecord> Device::waitForRequest(const RequestPredicate& fits
 }
 
 std::string Device::deviceName() const {
-    return impl_->deviceName();
+    return impl_->withState([](const State& state) { return state.deviceInfo.deviceName; });
 }
 void Device::lockUser(std::chrono::seconds duration) {
     impl_->logIn.lock(duration);
@@ -331,6 +367,47 @@ void Device::unlockUser() {
 }
 bool Device::isLocked() const {
     return impl_->logIn.isLocked();
+}
+
+bool Device::outputIsHigh(int output) const {
+    return impl_->withState([output](const State& state) {
+        const std::vector<bool>& outputs = state.outputIsHigh;
+        return output >= 1 && static_cast<size_t>(output) <= outputs.size() &&
+               outputs[static_cast<size_t>(output) - 1];
+    });
+}
+void Device::setProxyOnline(int channel, bool online) {
+    impl_->withState([=](State& state) {
+        if (online)
+            state.offlineProxies.erase(channel);
+        else
+            state.offlineProxies.insert(channel);
+    });
+}
+
+std::chrono::sys_seconds Device::deviceTime() const {
+    return impl_->withState([](const State& state) { return state.clock.now(); });
+}
+void Device::setDeviceTime(std::chrono::sys_seconds time) {
+    impl_->withState([time](State& state) { state.clock.set(time); });
+}
+std::string Device::timeZone() const {
+    return impl_->withState([](const State& state) { return state.clock.zone(); });
+}
+void Device::setTimeZone(std::string zone) {
+    impl_->withState([&zone](State& state) { state.clock.setZone(std::move(zone)); });
+}
+
+void Device::setAnswer(const std::string& method, const std::string& path, int httpStatus, std::string body) {
+    const char* type = body.starts_with('{') ? kJsonType : kXmlType;
+    Reply reply{httpStatus, type, std::move(body)};
+    impl_->withState([&](State& state) { state.scripted[{method, path}] = std::move(reply); });
+}
+void Device::setDocument(const std::string& path, std::string body) {
+    setAnswer("GET", path, MHD_HTTP_OK, std::move(body));
+}
+void Device::clearAnswers() {
+    impl_->withState([](State& state) { state.scripted.clear(); });
 }
 
 }  // namespace veltasim

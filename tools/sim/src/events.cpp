@@ -1,7 +1,5 @@
 #include "events.h"
 
-#include <array>
-#include <ctime>
 #include <stdexcept>
 
 #include "json_text.h"
@@ -11,20 +9,8 @@
 namespace veltasim {
 namespace {
 
-// Local time with the offset from UTC: 2024-05-17T08:30:00+02:00.
-std::string now() {
-    const std::time_t seconds = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    std::array<char, 40> text{};
-    const size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S%z", &local);
-    const std::string_view compact(text.data(), length);  // ends with the offset as +hhmm
-    std::string result(compact.substr(0, length - 2));
-    return result.append(":").append(compact.substr(length - 2));
-}
-
-std::string orNow(const std::string& dateTime) {
-    return dateTime.empty() ? now() : dateTime;
+const std::string& orNow(const std::string& dateTime, const Sender& sender) {
+    return dateTime.empty() ? sender.dateTime : dateTime;
 }
 
 std::string partHead(const char* contentType) {
@@ -78,7 +64,7 @@ Message accessEventPart(const AccessEvent& event, uint64_t serialNo, const Sende
         .add("protocol", "HTTP")
         .add("macAddress", sender.macAddress)
         .add("channelID", 1)
-        .add("dateTime", orNow(event.dateTime))
+        .add("dateTime", orNow(event.dateTime, sender))
         .add("activePostCount", 1)
         .add("eventType", "AccessControllerEvent")
         .add("eventState", "active")
@@ -95,7 +81,7 @@ Message alarmPart(const Alarm& alarm, const Sender& sender) {
         .add("protocol", "HTTP")
         .add("macAddress", sender.macAddress)
         .add("channelID", alarm.channelId)
-        .add("dateTime", orNow(alarm.dateTime))
+        .add("dateTime", orNow(alarm.dateTime, sender))
         .add("activePostCount", 1)
         .add("eventType", alarm.eventType)
         .add("eventState", alarm.eventState)
@@ -113,7 +99,7 @@ Message heartbeatPart(const Sender& sender) {
     addText(root, "protocol", "HTTP");
     addText(root, "macAddress", sender.macAddress);
     addText(root, "channelID", "1");
-    addText(root, "dateTime", now());
+    addText(root, "dateTime", sender.dateTime);
     addText(root, "activePostCount", "0");
     addText(root, "eventType", "videoloss");
     addText(root, "eventState", "inactive");

@@ -16,6 +16,7 @@ struct Sender {
     std::string macAddress;
     std::string deviceId;
     std::string deviceName;
+    std::string dateTime;  // now
 };
 
 inline const std::string kBoundary = "MIME_boundary";

@@ -4,6 +4,8 @@
 #include <array>
 #include <charconv>
 
+#include "status.h"
+
 namespace veltasim {
 namespace {
 
@@ -21,6 +23,7 @@ constexpr std::array kKinds{
     KindRow{FaultKind::WrongLength, "wrong-length", 16, false},
     KindRow{FaultKind::MalformedBody, "malformed", 0, false},
     KindRow{FaultKind::HttpError, "http-error", 500, true},
+    KindRow{FaultKind::Status, "status", kBadParameters, true},
     KindRow{FaultKind::SlowBytes, "slow", 100, false},
     KindRow{FaultKind::StaleNonce, "stale-nonce", 0, true},
 };

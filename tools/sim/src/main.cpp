@@ -41,8 +41,8 @@ Examples:
   curl -d '{"doorNo":2,"picture":"small"}' http://127.0.0.1:8081/control/event    (with --control-port 8081)
 
 Faults: KIND[=AMOUNT][,path=PREFIX][,count=N]
-  hang-before, hang-midway, drop, wrong-length[=BYTES], malformed, http-error[=STATUS], slow[=BYTES_PER_SECOND],
-  stale-nonce
+  hang-before, hang-midway, drop, wrong-length[=BYTES], malformed, http-error[=STATUS], status[=ERROR_CODE],
+  slow[=BYTES_PER_SECOND], stale-nonce
 
 Exit codes: 0 ended by Ctrl-C or SIGTERM, 2 wrong options, 3 cannot start (for example the port is taken).)";
 
@@ -51,6 +51,7 @@ struct Settings {
     unsigned count = 1;
     double eventEvery = 0;
     double heartbeat = 10;
+    double rebootSeconds = 10;
     unsigned lockSeconds = 300;
     bool picture = false;
     bool eventAtConnect = false;
@@ -140,6 +141,9 @@ void addOptions(CLI::App& app, Settings& settings) {
     app.add_option("--heartbeat", settings.heartbeat, "Seconds between heartbeats; 0: none")
         ->check(CLI::NonNegativeNumber)
         ->capture_default_str();
+    app.add_option("--reboot-seconds", settings.rebootSeconds, "How long a reboot takes")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
     app.add_option("--event-every", settings.eventEvery, "Seconds between access events; 0: none")
         ->check(CLI::NonNegativeNumber);
     app.add_flag("--picture", settings.picture, "Access events carry a picture");
@@ -164,6 +168,7 @@ veltasim::AccessEvent doorEvent(const Settings& settings) {
 void complete(Settings& settings) {
     using std::chrono::milliseconds;
     settings.device.heartbeat = milliseconds(std::llround(settings.heartbeat * 1000));
+    settings.device.rebootTime = milliseconds(std::llround(settings.rebootSeconds * 1000));
     settings.device.lockTime = std::chrono::seconds(settings.lockSeconds);
     if (settings.eventAtConnect) settings.device.eventAtConnect = doorEvent(settings);
     if (settings.device.port != 0 && settings.device.port + settings.count - 1 > UINT16_MAX)

@@ -1,8 +1,16 @@
 #pragma once
 
+#include <map>
+#include <pugixml.hpp>
+#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <veltasim/options.h>
+
+#include "clock.h"
+#include "reply.h"
 
 namespace veltasim {
 
@@ -27,6 +35,12 @@ struct DeviceInfo {
 // All that the device remembers. Its resources read and change it.
 struct State {
     DeviceInfo deviceInfo;
+    Inventory inventory;
+    std::vector<bool> outputIsHigh;  // the first one is number 1
+    std::set<int> offlineProxies;
+    Clock clock;
+    std::vector<pugi::xml_document> networkInterfaces;              // the first one is number 1
+    std::map<std::pair<std::string, std::string>, Reply> scripted;  // by method and path
 };
 
 }  // namespace veltasim

@@ -1,5 +1,6 @@
 #include "status.h"
 
+#include <algorithm>
 #include <array>
 
 #include "json_text.h"
@@ -8,17 +9,29 @@
 namespace veltasim {
 namespace {
 
-constexpr std::array kStatusTexts{"",
-                                  "OK",
-                                  "Device Busy",
-                                  "Device Error",
-                                  "Invalid Operation",
-                                  "Invalid Format",
-                                  "Content Error",
-                                  "Reboot Required"};
+struct Group {
+    const char* text;
+    const char* subStatus;
+    int httpStatus;
+};
+
+constexpr std::array kGroups{
+    Group{"Unknown Status", "unknown", 400},       Group{"OK", "ok", 200},
+    Group{"Device Busy", "deviceBusy", 503},       Group{"Device Error", "deviceError", 503},
+    Group{"Invalid Operation", "notSupport", 403}, Group{"Invalid Format", "badXmlFormat", 400},
+    Group{"Content Error", "badXmlContent", 400},  Group{"Reboot Required", "rebootRequired", 403},
+};
+
+// Those whose subStatusCode is not that of their group.
+constexpr std::array kSpecial{badParameter("badParameters"), kBadIpv4Address, kTooManyStreams};
+
+const Group& groupOf(Status::Code code) {
+    const auto index = static_cast<size_t>(code);
+    return kGroups[index < kGroups.size() ? index : 0];
+}
 
 const char* textOf(Status::Code code) {
-    return kStatusTexts.at(static_cast<size_t>(code));
+    return groupOf(code).text;
 }
 
 std::string statusXml(const std::string& target, const Status& status) {
@@ -49,6 +62,16 @@ std::string statusJson(const Status& status) {
 Reply statusReply(const std::string& target, int httpStatus, const Status& status) {
     if (target.find("format=json") != std::string::npos) return {httpStatus, kJsonType, statusJson(status)};
     return {httpStatus, kXmlType, statusXml(target, status)};
+}
+
+Reply statusReply(const std::string& target, uint32_t errorCode) {
+    const auto code = static_cast<Status::Code>(errorCode >> 28U);
+    const Group& group = groupOf(code);
+    const auto* special = std::find_if(kSpecial.begin(), kSpecial.end(), [errorCode](const Status& status) {
+        return status.errorCode == errorCode;
+    });
+    const char* subStatus = special == kSpecial.end() ? group.subStatus : special->subStatus;
+    return statusReply(target, group.httpStatus, {code, subStatus, errorCode, subStatus});
 }
 
 }  // namespace veltasim

@@ -1,14 +1,13 @@
 // An HTTP interface for programs that want to steer simulated devices from outside; loopback only, no log-in.
 //
-//     GET    /control/devices            all devices: url, streams, power, lock, clock, outputs
+//     GET    /control/devices            all devices: url, streams, power, lock, clock, outputs that are high
 //     GET    /control/requests?device=0  the recorded requests; &after=N: those with a greater number
 //     DELETE /control/requests           forgets them
 //     GET    /control/faults             the faults in force
 //     POST   /control/fault              {"kind":"slow","amount":100,"path":"/VELTA/System","count":3}
 //     DELETE /control/faults             ends all faults
-//     POST   /control/event              {"doorNo":2,"name":"...","picture":"small|medium|large","count":5},
-//     all members
-//                                        as in AccessEvent; with "eventType" an Alarm
+//     POST   /control/event              {"doorNo":2,"name":"...","picture":"small|medium|large","count":5}:
+//                                        all members as in AccessEvent; with "eventType" an Alarm
 //     POST   /control/power              {"on":false,"seconds":5}; without "seconds" until it is switched on
 //     POST   /control/streams            {"end":"at-once"} or {"end":"after-queue"}
 //     POST   /control/lock               {"seconds":60}; 0 unlocks

@@ -94,8 +94,8 @@ class Device {
     void unlockUser();                             // also forgets failed log-ins
     bool isLocked() const;
 
-    bool outputIsHigh(unsigned output) const;            // false also if there is no such output
-    void setProxyOnline(unsigned channel, bool online);  // all are online at first
+    bool outputIsHigh(int output) const;            // false also if there is no such output
+    void setProxyOnline(int channel, bool online);  // all are online at first
 
     // The clock goes on whether the power is on or off; at first it shows the time of this machine. The zone is
     // "CST-8:00:00" at first; any text is taken, and one that is no zone counts as UTC.

@@ -57,23 +57,19 @@ Reply getDeviceInfo(const Call& call) {
 }
 
 Reply putDeviceInfo(const Call& call) {
-    const std::string& target = call.request.target;
     pugi::xml_document document;
-    if (!document.load_buffer(call.request.body.data(), call.request.body.size()))
-        return statusReply(target, 400, kBadXmlFormat);
-    const pugi::xml_node root = document.child("DeviceInfo");
-    if (!root) return statusReply(target, 400, kBadXmlContent);
+    if (auto refusal = readDocument(call, "DeviceInfo", document)) return *refusal;
 
     DeviceInfo changed = call.state.deviceInfo;
     for (const Element& element : kElements) {
-        const pugi::xml_node node = root.child(element.name);
+        const pugi::xml_node node = document.document_element().child(element.name);
         if (!node || !element.valid) continue;
         const std::string text = node.text().get();
-        if (!element.valid(text)) return statusReply(target, 400, badParameter(element.name));
+        if (!element.valid(text)) return refused(call, badParameter(element.name));
         changed.*element.member = text;
     }
     call.state.deviceInfo = std::move(changed);
-    return statusReply(target, 200, kOk);
+    return done(call);
 }
 
 }  // namespace veltasim

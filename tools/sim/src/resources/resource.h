@@ -1,6 +1,8 @@
 // A resource of the device: one file each, all of them listed in table.cpp.
 #pragma once
 
+#include <optional>
+#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,9 +38,35 @@ struct Route {
 
 Route findResource(std::string_view method, std::string_view path);
 
+Reply done(const Call& call);
+Reply notFound(const Call& call);
+Reply refused(const Call& call, const Status& why);
+// Reads the document of the request. The answer if it is none with such a root element.
+std::optional<Reply> readDocument(const Call& call, const char* root, pugi::xml_document& document);
+// Which of so many the variable of the path means, counted from 0; nothing: none of them.
+std::optional<size_t> indexIn(const Call& call, size_t count);
+
 Reply getUserCheck(const Call& call);
 Reply getDeviceInfo(const Call& call);
 Reply putDeviceInfo(const Call& call);
+Reply putReboot(const Call& call);
+Reply getTime(const Call& call);
+Reply putTime(const Call& call);
+Reply getTimeZone(const Call& call);
+Reply putTimeZone(const Call& call);
+Reply getVideoInputs(const Call& call);
+Reply getProxyChannels(const Call& call);
+Reply getProxyStatus(const Call& call);
+Reply getAudioChannels(const Call& call);
+Reply getIoInputs(const Call& call);
+Reply getIoOutputs(const Call& call);
+Reply getIoOutputStatus(const Call& call);
+Reply putIoOutputTrigger(const Call& call);
+Reply getNetworkInterfaces(const Call& call);
+Reply getNetworkInterface(const Call& call);
+Reply putNetworkInterface(const Call& call);
+Reply getIpAddress(const Call& call);
+Reply putIpAddress(const Call& call);
 Reply getAccessControlCapabilities(const Call& call);
 
 }  // namespace veltasim
