@@ -26,11 +26,7 @@ class PlainParser {
         std::string json;
         int pictures = 0;
         if (isJsonContent(json, pictures)) {
-            if (pictures == 0) {
-                take(json);
-            } else if (isJpegComplete()) {
-                take(json);
-            }
+            if (pictures == 0 || isJpegComplete()) take(json);
         } else if (isJpegComplete()) {
             std::string message = buffer_;
             const size_t at = message.find(boundary_);
