@@ -22,3 +22,11 @@ velta_test(gateway_tests
     unit/gateway/url_test.cpp
     unit/gateway/xml_test.cpp
   LIBRARIES veltadev_core)
+velta_test(translate_tests
+  SOURCES
+    unit/platform/scripted_server.cpp
+    unit/translate/device_info_test.cpp
+    unit/translate/exchange_test.cpp
+    unit/translate/local_time_test.cpp
+    unit/translate/network_test.cpp
+  LIBRARIES veltadev_core)

@@ -1,11 +1,13 @@
 #ifndef VELTA_DEVICE_CVELTADEVICE_H
 #define VELTA_DEVICE_CVELTADEVICE_H
 
+#include <json/value.h>
 #include <xpr/xpr.h>
 
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "DevPlus/CDevBase.h"
@@ -17,6 +19,7 @@
 #include "device/CallbackSlot.h"
 #include "device/Connection.h"
 #include "device/StreamSockets.h"
+#include "gateway/HostRequest.h"
 
 /* What getDeviceInfo reads. */
 struct VeltaDeviceInfo {
@@ -99,20 +102,63 @@ class CVeltaDevice final : public CDevBase,
 
     // Inventory (Inventory.cpp)
 
-    /* Reads the device's identity. 0; 0x60000001 when its document lacks an element, with the elements before that one
-     * written; -1 when it does not answer. */
+    /* Reads the device's identity. 0; 0x60000001 when its document lacks an element, with the elements before
+     * that one written; -1 when it does not answer. */
     int32_t getDeviceInfo(VeltaDeviceInfo& info);
-    /* The host's JSON of the device: identity, state and channels. 0, also for a device that does not answer, which is
-     * then only said to be offline; 0x60000001, with out untouched, when a list is no XML document. */
+    /* The host's JSON of the device: identity, state and channels. 0, also for a device that does not answer,
+     * which is then only said to be offline; 0x60000001, with out untouched, when a list is no XML document.
+     */
     uint32_t getDeviceBaseInfo(std::string& out);
+    /* Whether number counts one of the device's own alarm outputs ("analog" in the inventory) or one of its
+     * IP channels
+     * ("digital"), whose outputs a recorder numbers like the channels. Asks the device. */
+    bool hasOutput(int number);
 
     // Gateway (gateway/Gateway.cpp)
 
     int VELTA_Getway(char* request, char* response, unsigned int responseSize, tagVELTA_INFO* info) override;
     int DeviceLoop(char* buffer, unsigned int size) override;
+    /* Offers a request to the routes of the common operations (gateway/CommonRoutes.cpp). The result code of
+     * the route that took it, 0xFFFFFFFF when that set none; nothing when no route takes it. */
+    std::optional<uint32_t> DealwithCommOpt(const velta::HostRequest& request, std::string& answer);
     /* Reads a device's ResponseStatus document. 0: success. Otherwise its error number, with the host's
      * status JSON in answer; 0x60000001, with answer untouched, when the document can't be read. */
     uint32_t parseVELTAResponseStatus(std::string& answer, const std::string& deviceXml);
+
+    // Device information (translate/system/DeviceInfo.cpp). Translators return an error number: 0 success,
+    // 0xFFFFFFFF no code; answer receives the host's JSON, or the status of what went wrong where the device
+    // says it.
+
+    uint32_t veltaGetDeviceInfo(std::string& answer);
+    uint32_t veltaPutDeviceInfo(std::string& answer, const Json::Value& body);
+    static bool transDeviceInfoXml2Json(std::string& answer, const std::string& deviceXml);
+    static bool transDeviceInfoJson2Xml(std::string& xml, const Json::Value& body);
+    /* Whether the first length bytes of a name are what devices allow: ASCII without control characters and
+     * without / \ : * ? ' " < > | %. */
+    static bool checkDeviceName(const char* name, int length);
+
+    // Time (translate/system/TimeManagement.cpp). code takes the error number; body is the host's text.
+
+    void veltaGetTimeMngParam(int& code, std::string& answer);
+    void veltaSetTimeMngParam(int& code, const std::string& body, std::string& answer);
+    void veltaGetTimeZoneParam(int& code, std::string& answer);
+    void veltaSetTimeZoneParam(int& code, const std::string& body, std::string& answer);
+    static bool transTimeMngXml2Json(const std::string& deviceXml, std::string& answer);
+
+    // Alarm output and reboot (translate/system/AlarmOutput.cpp)
+
+    /* path: of the request, without its query. */
+    uint32_t veltaSetAlarmOutTrigger(const std::string& path, const Json::Value& body);
+    static bool isValidOutputFormVelta(const std::string& reply);
+    uint32_t veltaPutRebootDevice(std::string& answer);
+
+    // Network interfaces (translate/system/NetworkInterfaces.cpp)
+
+    uint32_t veltaGetNetworkInterfaceList(std::string& answer);
+    uint32_t veltaGetNetworkInterface(int id, std::string& answer);
+    uint32_t veltaPutNetworkInterface(const std::string& path, const Json::Value& body, std::string& answer);
+    uint32_t veltaGetIPAddress(int id, std::string& answer);
+    uint32_t veltaPutIPAddress(const std::string& path, const Json::Value& body, std::string& answer);
 
     // Media: talk and record download do nothing and succeed
 
@@ -141,7 +187,8 @@ class CVeltaDevice final : public CDevBase,
     static size_t writeResponseBody(char* data, size_t size, size_t count, void* session);
     static size_t endOfHeaders(char* data, size_t size, size_t count, void* session);
 
-    uint32_t dispatch(const std::string& request, std::string& answer);
+    uint32_t dispatch(const std::string& text, std::string& answer);
+    uint32_t triggerOutput(const std::string& path, const velta::HostRequest& request);
     uint32_t forwardToDevice(const std::string& path, const std::string& body, unsigned char method,
                              std::string& answer);
 

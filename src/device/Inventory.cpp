@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr const char* kOutputs = "/VELTA/System/IO/outputs";
+constexpr const char* kProxies = "/VELTA/ContentMgmt/InputProxy/channels";
 constexpr int32_t kMalformed = static_cast<int32_t>(VELTA_E_BAD_PARAMETER);
 
 /* One element of a channel list. */
@@ -86,11 +88,10 @@ void outputName(const Channel& channel, const Statuses&, Json::Value& described)
 constexpr List kLists[] = {
     {"/VELTA/System/Video/inputs/channels", "VideoInputChannel", "videoChannels", "analog", nameAndState},
     {"/VELTA/ContentMgmt/InputProxy/channels/status", "InputProxyChannelStatus", nullptr, nullptr, nullptr},
-    {"/VELTA/ContentMgmt/InputProxy/channels", "InputProxyChannel", "videoChannels", "digital",
-     nameAndProxyState},
+    {kProxies, "InputProxyChannel", "videoChannels", "digital", nameAndProxyState},
     {"/VELTA/System/Audio/channels", "AudioChannel", "audioChannels", "analog", numberOnly},
     {"/VELTA/System/IO/inputs", "IOInputPort", "alarmInChannels", "analog", inputName},
-    {"/VELTA/System/IO/outputs", "IOOutputPort", "alarmOutChannels", "analog", outputName},
+    {kOutputs, "IOOutputPort", "alarmOutChannels", "analog", outputName},
 };
 
 }  // namespace
@@ -170,4 +171,17 @@ uint32_t CVeltaDevice::getDeviceBaseInfo(std::string& out) {
     }
     out = velta::writeJson(device);
     return 0;
+}
+
+bool CVeltaDevice::hasOutput(int number) {
+    for (const char* const path : {kOutputs, kProxies}) {
+        std::string document;
+        if (sendHttpReqToDevice(document, path, "", kGet, "") != 0) continue;
+        bool found = false;
+        const char* const element = path == kOutputs ? "IOOutputPort" : "InputProxyChannel";
+        forEachChannel(document, element,
+                       [&](const Channel& channel) { found = found || channel.number() == number; });
+        if (found) return true;
+    }
+    return false;
 }

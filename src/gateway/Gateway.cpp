@@ -4,6 +4,7 @@
 #include <xpr/text.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 
 #include "DevPlus/Facade.h"
@@ -18,11 +19,7 @@ namespace {
 constexpr const char* kDeviceInfoPath = "/VELTA/System/deviceInfo";
 constexpr const char* kHostParameter = "devIndex";
 
-struct Envelope {
-    std::string method;
-    std::string uri;
-    std::string body;
-};
+constexpr const char* kTriggerPattern = "/VELTA/System/IO/outputs/%d/trigger";
 
 std::string_view trimBlanks(std::string_view text) {
     const size_t first = text.find_first_not_of(' ');
@@ -30,15 +27,18 @@ std::string_view trimBlanks(std::string_view text) {
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
-bool readEnvelope(std::string_view request, Envelope& envelope) {
-    const std::string_view text = trimBlanks(request);
+bool readEnvelope(std::string_view text, velta::HostRequest& request) {
+    text = trimBlanks(text);
     Json::Value value;
     if (!text.starts_with('{') || !velta::parseJson(text, value)) return false;
     const Json::Value& root = value;
     const Json::Value& method = root["method"];
     if (method.isNull() || !method.isConvertibleTo(Json::stringValue)) return false;
     if (!root["uri"].isString() || !root["body"].isString()) return false;
-    envelope = {method.asString(), root["uri"].asString(), root["body"].asString()};
+    request.method = method.asString();
+    request.uri = root["uri"].asString();
+    request.bodyText = root["body"].asString();
+    if (!velta::parseJson(request.bodyText, request.body)) request.body = Json::Value();
     return true;
 }
 
@@ -79,25 +79,45 @@ int CVeltaDevice::DeviceLoop(char* buffer, unsigned int size) {
     return static_cast<int>(result);
 }
 
-uint32_t CVeltaDevice::dispatch(const std::string& request, std::string& answer) {
-    Envelope envelope;
-    if (!readEnvelope(request, envelope)) {
+uint32_t CVeltaDevice::dispatch(const std::string& text, std::string& answer) {
+    velta::HostRequest request;
+    if (!readEnvelope(text, request)) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] szConfigJson format is wrong", __func__, __LINE__);
         return VELTA_E_BAD_PARAMETER;
     }
-    if (envelope.uri.find('?') == std::string::npos) return velta::kNoErrorCode;
+    // A route that took the request has sent it: whatever became of it, it does not go out again as it
+    // stands.
+    if (const auto code = DealwithCommOpt(request, answer)) return *code;
+    if (request.uri.find('?') == std::string::npos) return velta::kNoErrorCode;
+    const std::string commonPath = velta::pathOf(request.uri);
+    if (velta::CheckUrlWithVariable(commonPath.c_str(), kTriggerPattern, 1))
+        return triggerOutput(commonPath, request);
 
     std::string path;
-    if (!velta::removeQueryFromUrl(path, envelope.uri.c_str(), kHostParameter)) {
+    if (!velta::removeQueryFromUrl(path, request.uri.c_str(), kHostParameter)) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] wrong url", __func__, __LINE__);
         return VELTA_E_BAD_PARAMETER;
     }
-    const uint32_t method = velta::covertVELTAMethod(envelope.method);
+    const uint32_t method = velta::covertVELTAMethod(request.method);
     if (method == velta::kNoErrorCode) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] wrong http method", __func__, __LINE__);
         return VELTA_E_BAD_PARAMETER;
     }
-    return forwardToDevice(path, envelope.body, static_cast<unsigned char>(method), answer);
+    return forwardToDevice(path, request.bodyText, static_cast<unsigned char>(method), answer);
+}
+
+uint32_t CVeltaDevice::triggerOutput(const std::string& path, const velta::HostRequest& request) {
+    int number = 0;
+    std::sscanf(path.c_str(), kTriggerPattern, &number);
+    if (!hasOutput(number)) {
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] channel error", __func__, __LINE__);
+        return VELTA_E_BAD_PARAMETER;
+    }
+    if (request.method != "PUT") {
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] no support url", __func__, __LINE__);
+        return VELTA_E_NOT_SUPPORTED;
+    }
+    return veltaSetAlarmOutTrigger(path, request.body);
 }
 
 // A body that holds nothing but a device name is merged into the device's own document; everything else goes

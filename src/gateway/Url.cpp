@@ -1,7 +1,9 @@
 #include "gateway/Url.h"
 
-#include <cstring>
+#include <charconv>
 #include <iterator>
+#include <string_view>
+#include <system_error>
 
 int CompareUrl(const std::string& url, const char* pattern) {
     return velta::pathOf(url).compare(pattern);
@@ -11,6 +13,36 @@ namespace velta {
 
 bool isJsonURL(const std::string& uri) {
     return uri.find("format=json") != std::string::npos;
+}
+
+namespace {
+
+// Length of the canonical decimal int at the start of text; 0 when there is none.
+size_t numberLength(std::string_view text) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{}) return 0;
+    const auto length = static_cast<size_t>(end - text.data());
+    return text.substr(0, length) == std::to_string(number) ? length : 0;
+}
+
+}  // namespace
+
+bool CheckUrlWithVariable(const char* url, const char* pattern, int count) {
+    if (count < 0 || count > 4) return false;
+    std::string_view path(url);
+    path = path.substr(0, path.find('?'));
+    std::string_view rest(pattern);
+    for (; count > 0; --count) {
+        const size_t variable = rest.find("%d");
+        if (variable == std::string_view::npos || !path.starts_with(rest.substr(0, variable))) return false;
+        path.remove_prefix(variable);
+        const size_t length = numberLength(path);
+        if (length == 0) return false;
+        path.remove_prefix(length);
+        rest.remove_prefix(variable + 2);
+    }
+    return path == rest;
 }
 
 std::string pathOf(const std::string& uri) {

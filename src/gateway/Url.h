@@ -16,6 +16,11 @@ bool isJsonURL(const std::string& uri);
 /* The path of a uri: what stands before its first "?". */
 std::string pathOf(const std::string& uri);
 
+/* Whether the path of url is the pattern with each of its "%d" replaced by a number, count of them (0 to 4).
+ * A number is the canonical decimal spelling of an int: "7" and "-1" match, "07", "+7" and what no int holds
+ * do not. */
+bool CheckUrlWithVariable(const char* url, const char* pattern, int count);
+
 /* Takes the parameter key with its value and the separator in front of it out of url. What follows keeps its
  * own separator: "/a?key=2&b=1" becomes "/a&b=1". False, with out untouched, when url has no such parameter.
  */

@@ -247,4 +247,90 @@ TEST_F(GatewayTest, writesTheInventoryAsItAlwaysHas) {
     EXPECT_EQ(session->gateway->DeviceLoop(session->instance, nullptr, 100), 0);
 }
 
+Json::Value jsonOf(const std::string& text) {
+    Json::Value value;
+    std::istringstream(text) >> value;
+    return value;
+}
+
+TEST_F(GatewayTest, translatesTheSystemResources) {
+    const Json::Value info =
+        jsonOf(session->request("GET", "/VELTA/System/deviceInfo?format=json"))["DeviceInfo"];
+    EXPECT_EQ(info["serialNumber"].asString(), device.options().identity.serialNumber);
+
+    EXPECT_EQ(errorCodeOf(session->request(
+                  "PUT", "/VELTA/System/time?format=json&devIndex=1",
+                  R"({"Time":{"timeMode":"manual","localTime":"2026-05-01T08:30:00+05:30"}})")),
+              1U);
+    EXPECT_THAT(device.timeZone(), testing::StartsWith("CST-5:30:00"));
+    const Json::Value time = jsonOf(session->request("GET", "/VELTA/System/time?format=json"))["Time"];
+    EXPECT_THAT(time["localTime"].asString(), testing::StartsWith("2026-05-01T08:3"));
+    EXPECT_EQ(
+        jsonOf(session->request("GET", "/VELTA/System/time/timeZone?format=json"))["timeZone"].asString(),
+        device.timeZone());
+
+    const Json::Value interfaces =
+        jsonOf(session->request("GET", "/VELTA/System/Network/interfaces?format=json"));
+    ASSERT_TRUE(interfaces["NetworkInterfaceList"]["NetworkInterface"].isArray());
+    EXPECT_EQ(errorCodeOf(session->request("PUT", "/VELTA/System/Network/interfaces/1/ipAddress?format=json",
+                                           R"({"IPAddress":{"ipAddress":"10.9.8.7"}})")),
+              1U);
+    EXPECT_EQ(
+        jsonOf(session->request(
+            "GET", "/VELTA/System/Network/interfaces/1/ipAddress?format=json"))["IPAddress"]["ipAddress"]
+            .asString(),
+        "10.9.8.7");
+}
+
+TEST_F(GatewayTest, refusesWhatNoRouteTakesThatWay) {
+    struct Case {
+        const char* method;
+        const char* uri;
+        uint32_t errorCode;
+    };
+    const Case cases[] = {
+        {"GET", "/VELTA/System/reboot?format=json", 0x40000001},
+        {"get", "/VELTA/System/time?format=json", 0x40000001},
+        {"DELETE", "/VELTA/System/Network/interfaces/1?format=json", 0x40000001},
+        {"GET", "/VELTA/System/Network/interfaces/0?format=json", 0x60000001},
+        {"GET", "/VELTA/System/Network/interfaces/-1/ipAddress?format=json", 0x60000001},
+        {"PUT", "/VELTA/System/deviceInfo?format=json", 0x60000001},
+        {"PUT", "/VELTA/System/time/timeZone?format=json", 0x60000001},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(errorCodeOf(session->request(c.method, c.uri, "{}")), c.errorCode) << c.uri;
+    EXPECT_THAT(device.requests(), IsEmpty());
+}
+
+TEST_F(GatewayTest, sendsATranslatedRequestOnce) {
+    device.setFault({.kind = veltasim::FaultKind::Drop, .path = "/VELTA/System/reboot"});
+    EXPECT_EQ(errorCodeOf(session->request("PUT", "/VELTA/System/reboot?format=json&devIndex=1")),
+              0x60000001U);
+    EXPECT_THAT(served(), testing::ElementsAre("PUT /VELTA/System/reboot"));
+}
+
+TEST_F(GatewayTest, switchesOutputs) {
+    const auto trigger = [&](const char* uri, const char* body, const char* method = "PUT") {
+        return errorCodeOf(session->request(method, uri, body));
+    };
+    EXPECT_EQ(
+        trigger("/VELTA/System/IO/outputs/2/trigger?devIndex=0", R"({"IOPortData":{"outputState":"high"}})"),
+        1U);
+    EXPECT_TRUE(device.outputIsHigh(2));
+    EXPECT_EQ(trigger("/VELTA/System/IO/outputs/2/trigger?x", R"({"IOPortData":{"outputState":"low"}})"), 1U);
+    EXPECT_FALSE(device.outputIsHigh(2));
+    EXPECT_EQ(trigger("/VELTA/System/IO/outputs/2/trigger?x", R"({"IOPortData":{"outputState":"HIGH"}})"),
+              0x60000001U);
+    EXPECT_EQ(trigger("/VELTA/System/IO/outputs/2/trigger?x", R"({"IOPortData":{"outputState":1}})"),
+              0x60000001U);
+    EXPECT_EQ(trigger("/VELTA/System/IO/outputs/3/trigger?x", R"({"IOPortData":{"outputState":"high"}})"),
+              0x60000001U);
+    EXPECT_EQ(trigger("/VELTA/System/IO/outputs/2/trigger?x", "", "GET"), 0x40000001U);
+    EXPECT_EQ(trigger("/VELTA/System/IO/outputs/2/trigger", R"({"IOPortData":{"outputState":"high"}})"),
+              0x4000111DU);
+    session->request("PUT", "/VELTA/System/IO/outputs/02/trigger?devIndex=0", "as it stands");
+    EXPECT_EQ(device.requests().back().target, "/VELTA/System/IO/outputs/02/trigger");
+    EXPECT_EQ(device.requests().back().body, "as it stands");
+}
+
 }  // namespace

@@ -14,6 +14,25 @@ TEST(Url, comparesThePath) {
     EXPECT_FALSE(velta::isJsonURL("/a?Format=json"));
 }
 
+TEST(Url, matchesNumbers) {
+    const auto matches = [](const char* url, const char* pattern, int count) {
+        return velta::CheckUrlWithVariable(url, pattern, count);
+    };
+    for (const char* url : {"/door/7", "/door/0", "/door/-1", "/door/2147483647", "/door/-2147483648?a=1"}) {
+        EXPECT_TRUE(matches(url, "/door/%d", 1)) << url;
+    }
+    for (const char* url : {"/door/07", "/door/+7", "/door/ 7", "/door/-0", "/door/", "/door/x", "/door/7x",
+                            "/door/7/", "/door/2147483648", "/door/4294967297", "/Door/7", "", "?/door/7"}) {
+        EXPECT_FALSE(matches(url, "/door/%d", 1)) << url;
+    }
+    EXPECT_TRUE(matches("/a/1/b/2", "/a/%d/b/%d", 2));
+    EXPECT_FALSE(matches("/a/1/b/x", "/a/%d/b/%d", 2));
+    EXPECT_TRUE(matches("/a?b", "/a", 0));
+    EXPECT_FALSE(matches("/a", "/a", -1));
+    EXPECT_FALSE(matches("/a", "/a", 5));
+    EXPECT_FALSE(matches("/a/1", "/a/1", 1));  // a number that the pattern does not ask for
+}
+
 TEST(Url, losesTheHostsParameter) {
     struct Case {
         const char* url;

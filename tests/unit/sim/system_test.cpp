@@ -23,10 +23,10 @@ bool comesTrue(const std::function<bool()>& condition) {
     return condition();
 }
 
-size_t countOf(const std::string& element, const std::string& text) {
+size_t countOf(const std::string& element, std::string_view text) {
+    const std::string tag = "<" + element + ">";
     size_t count = 0;
-    for (size_t at = text.find("<" + element + ">"); at != std::string::npos;
-         at = text.find("<" + element + ">", at + 1))
+    for (size_t at = text.find(tag); at != std::string::npos; at = text.find(tag, at + 1))
         ++count;
     return count;
 }
@@ -76,18 +76,17 @@ TEST(Outputs, keepWhatTheyWereSetTo) {
     EXPECT_FALSE(device.outputIsHigh(2) || device.outputIsHigh(0) || device.outputIsHigh(-1));
 }
 
-struct TimeCase {
-    const char* zone;
-    const char* set;
-    std::chrono::sys_seconds instant;
-    const char* shown;  // the clock goes on
-};
-
 TEST(Time, isShownInTheZone) {
     using namespace std::chrono;
+    struct Case {
+        const char* zone;
+        const char* set;
+        sys_seconds instant;
+        const char* shown;  // the clock goes on
+    };
     const char* european = "CST-1:00:00DST01:00:00,M3.5.0/02:00:00,M10.5.0/03:00:00";
     const char* southern = "CST-10:00:00DST00:30:00,M10.1.0/02:00:00,M4.1.0/03:00:00";
-    const TimeCase cases[] = {
+    const Case cases[] = {
         {"CST-8:00:00", "2026-01-31T12:00:00+08:00", sys_days(2026y / 1 / 31) + 4h,
          "2026-01-31T12:..:..\\+08:00"},
         {"CST+3:30:00", "2026-03-01T01:00:00Z", sys_days(2026y / 3 / 1) + 1h, "2026-02-28T21:..:..-03:30"},
@@ -102,7 +101,7 @@ TEST(Time, isShownInTheZone) {
     Device device;
     device.start();
     Client client(device);
-    for (const TimeCase& c : cases) {
+    for (const Case& c : cases) {
         const Answer answer =
             client.put(kTime, std::string("<Time><timeMode>manual</timeMode><localTime>") + c.set +
                                   "</localTime><timeZone>" + c.zone + "</timeZone></Time>");
@@ -121,8 +120,8 @@ TEST(Time, refusesWhatIsNone) {
     Device device;
     device.start();
     Client client(device);
-    for (const char* bad :
-         {"", "noon", "2026-02-29T12:00:00Z", "2026-01-31T24:00:00Z", "2026-01-31T12:00:00+8"}) {
+    for (const char* bad : {"", "noon", "2026-02-29T12:00:00Z", "2026-01-31T24:00:00Z",
+                            "2026-01-31T12:60:00Z", "2026-01-31T12:00:00+8"}) {
         const Answer answer =
             client.put(kTime, std::string("<Time><timeZone>CST-1:00:00</timeZone><localTime>") + bad +
                                   "</localTime></Time>");
@@ -191,10 +190,10 @@ TEST(Network, replacesWhatIsNamed) {
     EXPECT_EQ(client.get(kInterface).body, after);
 
     std::string deep;
-    for (int i = 0; i < 200000; ++i)
-        deep += "<a>";
-    for (int i = 0; i < 200000; ++i)
-        deep += "</a>";
+    for (const char* tag : {"<a>", "</a>"}) {
+        for (int i = 0; i < 200000; ++i)
+            deep += tag;
+    }
     EXPECT_EQ(client.put(address, "<IPAddress>" + deep + "</IPAddress>").status, 200);
     EXPECT_EQ(countOf("NetworkInterface", client.get("/VELTA/System/Network/interfaces").body), 1U);
 }

@@ -26,7 +26,9 @@ std::chrono::seconds Scanner::time() {
     skip(":");
     const std::chrono::minutes minutes(number(2, 2));
     skip(":");
-    return hours + minutes + std::chrono::seconds(number(2, 2));
+    const std::chrono::seconds seconds(number(2, 2));
+    good_ = good_ && minutes < std::chrono::hours(1) && seconds < std::chrono::minutes(1);
+    return hours + minutes + seconds;
 }
 
 }  // namespace veltasim
