@@ -21,6 +21,13 @@ typedef struct VELTA_GatewayTable {
      * device as it stands, less the host's own parameter "devIndex", which the query of its uri must hold
      * ("/VELTA/System/deviceInfo?devIndex=1").
      *
+     * A uri with "format=json" in it that names a common operation is translated: the body is the host's JSON, which
+     * is checked, and the answer is JSON. These are PUT /VELTA/System/reboot; GET and PUT of /VELTA/System/deviceInfo,
+     * /VELTA/System/time, /VELTA/System/time/timeZone, /VELTA/System/Network/interfaces/N and .../N/ipAddress; GET
+     * /VELTA/System/Network/interfaces. Another method is refused with VELTA_E_NOT_SUPPORTED. So is, at
+     * /VELTA/System/IO/outputs/N/trigger, any method but PUT, whose body is {"IOPortData":{"outputState":"high"|"low"}}
+     * and whose uri must have a query.
+     *
      * response receives the device's answer, or the status of what went wrong,
      * {"statusCode","statusString","subStatusCode","errorCode","errorMsg"}: at most responseSize - 1 bytes
      * and a terminating zero; a longer answer is cut. A null response or a responseSize of 0 receives
