@@ -41,8 +41,8 @@ TEST(LocalTime, namesTheDevicesOffset) {
     int known = 0;
     for (int minutes = -12 * 60; minutes <= 14 * 60; minutes += 15) {
         const int distance = std::abs(minutes);
-        char host[8];
-        char device[16];
+        char host[32];
+        char device[32];
         std::snprintf(host, sizeof host, "%c%02d:%02d", minutes < 0 ? '-' : '+', distance / 60 % 100,
                       distance % 60);
         std::snprintf(device, sizeof device, "CST%c%d:%02d:00", minutes > 0 ? '-' : '+', distance / 60,
