@@ -59,7 +59,8 @@ typedef struct VELTA_ConnectTable {
      *
      * url is a sequence of items "key=value;"; text after the last ";" is ignored, nothing is trimmed or unescaped:
      *   Connect=TCP/IP;   required as it stands
-     *   Target=...;       the device's address or host name, required
+     *   Target=...;       the device's address, required; a host name serves for requests, but events find their
+     *                     session by the address that the device writes into them
      *   Port=...;         its HTTP port, 1 to 65535, required
      *   DevIndex=...;     the host's key of the device: a later session with the same key takes its place in the
      *                     check, and disconnecting or destroying either of them takes the key out
