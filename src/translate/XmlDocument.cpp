@@ -1,8 +1,24 @@
 #include "translate/XmlDocument.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "gateway/CXmlBase.h"
 
 namespace velta {
+
+namespace {
+
+struct Escape {
+    char character;
+    std::string_view reference;
+};
+constexpr Escape kEscapes[] = {
+    {'&', "&amp;"},  {'<', "&lt;"},    {'>', "&gt;"},
+    {'"', "&quot;"}, {'\'', "&apos;"}, {'\r', "&#13;"},  // a reader would make a line feed of it
+};
+
+}  // namespace
 
 std::string xmlElement(std::string_view name, std::string_view content, std::string_view attributes) {
     std::string element;
@@ -16,27 +32,13 @@ std::string xmlEscaped(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
     for (const char c : text) {
-        switch (c) {
-            case '&':
-                escaped += "&amp;";
-                break;
-            case '<':
-                escaped += "&lt;";
-                break;
-            case '>':
-                escaped += "&gt;";
-                break;
-            case '"':
-                escaped += "&quot;";
-                break;
-            case '\'':
-                escaped += "&apos;";
-                break;
-            case '\r':  // a reader would make a line feed of it
-                escaped += "&#13;";
-                break;
-            default:
-                escaped += c;
+        const auto* const escape =
+            std::find_if(std::begin(kEscapes), std::end(kEscapes),
+                         [c](const Escape& candidate) { return candidate.character == c; });
+        if (escape != std::end(kEscapes)) {
+            escaped += escape->reference;
+        } else {
+            escaped += c;
         }
     }
     return escaped;
