@@ -27,6 +27,7 @@ using Operation = std::function<uint32_t(CVeltaDevice&, std::string&)>;
 std::vector<std::string> run(const Operation& operation, const std::vector<std::string>& answers,
                              uint32_t& code, std::string& answer) {
     std::vector<Answer> script;
+    script.reserve(answers.size());
     for (const std::string& bytes : answers)
         script.push_back({bytes, Answer::Then::kClose});
     const ScriptedServer server(script);
@@ -78,8 +79,8 @@ struct Case {
     Operation operation;
     std::vector<std::string> answers;
     uint32_t code;
-    std::string answer;   // its start; empty: the whole
-    std::string request;  // the last one, without its headers; empty: any
+    std::string answer = "";   // its start; empty: the whole
+    std::string request = "";  // the last one, without its headers; empty: any
 };
 
 void check(const std::vector<Case>& cases) {
@@ -90,7 +91,7 @@ void check(const std::vector<Case>& cases) {
         std::string answer;
         const std::vector<std::string> requests = run(c.operation, c.answers, code, answer);
         EXPECT_EQ(code, c.code);
-        EXPECT_EQ(answer.substr(0, c.answer.empty() ? std::string::npos : c.answer.size()), c.answer);
+        EXPECT_TRUE(c.answer.empty() ? answer.empty() : answer.starts_with(c.answer)) << answer;
         ASSERT_EQ(requests.size(), c.answers.size());
         if (c.request.empty()) continue;
         const std::string& last = requests.back();
@@ -99,29 +100,25 @@ void check(const std::vector<Case>& cases) {
     }
 }
 
-const std::string kBusy = R"({"errorCode":536870913,)";
+const std::string kUnsupported = R"({"errorCode":1073741825,)";
 
 TEST(SystemExchange, readsOrTellsTheDevicesReason) {
     check({
         {kGetAddress,
-         {ok("<IPAddress><a>1</a></IPAddress>")},
+         {ok("<IPAddress><a/></IPAddress>")},
          0,
-         "{\"IPAddress\":{\"a\":\"1\"}}\n",
+         R"({"IPAddress":{"a":""}})",
          "GET /VELTA/System/Network/interfaces/3/ipAddress "},
-        {kGetAddress, {ok("no document")}, 0x30000014, "", ""},
-        {kGetAddress, {ok(status(2))}, 0x20000001, kBusy, ""},
-        {kGetAddress, {http(404, "no document")}, 0x60000001, "", ""},
-        {kGetAddress, {http(404, status(2))}, 0x20000001, kBusy, ""},
-        {kGetAddress, {http(401, status(2))}, 401, "", ""},
-        {kGetTime,
-         {ok("<Time><localTime/></Time>")},
-         0,
-         R"({"Time":{"localTime":"","timeMode":"manual"}})",
-         ""},
-        {kGetTime, {ok("no document")}, 0x30000001, "", ""},
-        {kGetTime, {http(404, "no document")}, 0x60000001, "", ""},
-        {kGetZone, {ok("CST-8:00:00")}, 0, "{\"timeZone\":\"CST-8:00:00\"}\n", ""},
-        {kGetZone, {http(404, "CST")}, 0x60000001, "", ""},
+        {kGetAddress, {ok("no document")}, 0x30000014},
+        {kGetAddress, {ok(status(4))}, 0x40000001, kUnsupported},
+        {kGetAddress, {http(404, "no document")}, 0x60000001},
+        {kGetAddress, {http(404, status(4))}, 0x40000001, kUnsupported},
+        {kGetAddress, {http(401, status(4))}, 401},
+        {kGetTime, {ok("<Time><localTime/></Time>")}, 0, R"({"Time":{"localTime":"","timeMode":"manual"}})"},
+        {kGetTime, {ok("no document")}, 0x30000001},
+        {kGetTime, {http(404, "no document")}, 0x60000001},
+        {kGetZone, {ok("CST-8:00:00")}, 0, R"({"timeZone":"CST-8:00:00"})"},
+        {kGetZone, {http(404, "CST")}, 0x60000001},
     });
 }
 
@@ -130,17 +127,17 @@ TEST(SystemExchange, writesOrTellsTheDevicesReason) {
     const std::string daylight(200000, 'd');
     check({
         {kReboot, {ok(status(0))}, 0, "", "PUT /VELTA/System/reboot "},
-        {kReboot, {http(503, status(2))}, 0x20000001, kBusy, ""},
-        {kReboot, {http(401, "")}, 401, "", ""},
-        {kReboot, {""}, 0x60000001, "", ""},
+        {kReboot, {http(503, status(4))}, 0x40000001, kUnsupported},
+        {kReboot, {http(401, "")}, 401},
+        {kReboot, {""}, 0x60000001},
         {kLow,
          {ok(status(1))},
          0,
          "",
          "PUT /VELTA/System/IO/outputs/1/trigger " + declaration +
              R"(<IOPortData xmlns="urn:velta:schema"> <outputState>low</outputState></IOPortData>)"},
-        {kLow, {ok(status(0))}, 0x30000001, "", ""},
-        {kLow, {http(403, status(2))}, 0x20000001, "", ""},
+        {kLow, {ok(status(0))}, 0x30000001},
+        {kLow, {http(403, status(4))}, 0x40000001},
         {kSetZone, {ok(status(1))}, 0, "", "PUT /VELTA/System/time/timeZone CST-5:45:00"},
         {kSetTime,
          {ok("CST-8:00:00DST" + daylight), ok(status(1))},
@@ -150,11 +147,11 @@ TEST(SystemExchange, writesOrTellsTheDevicesReason) {
              R"(<Time version="2.0" xmlns="urn:velta:schema"><timeMode>manual</timeMode><localTime>)"
              "2024-05-01T08:30:00+05:30</localTime><timeZone>CST-5:30:00DST" +
              daylight + "</timeZone></Time>"},
-        {kSetTime, {ok("CST-8:00:00"), http(403, status(2))}, 0x20000001, kBusy, ""},
-        {kSetTime, {ok("CST-8:00:00"), http(500, "CST")}, 0x60000001, "CST", ""},  // the device's own answer
-        {kSetTime, {ok("CST-8:00:00"), ok("")}, 0x60000001, "", ""},  // not the time zone read before
-        {kSetTime, {http(403, status(2))}, 0x20000001, kBusy, ""},
-        {kSetTime, {ok(status(1))}, 0x30000001, "", ""},  // nothing was set
+        {kSetTime, {ok("CST-8:00:00"), http(403, status(4))}, 0x40000001, kUnsupported},
+        {kSetTime, {ok("CST-8:00:00"), http(500, "CST")}, 0x60000001, "CST"},  // the device's own answer
+        {kSetTime, {ok("CST-8:00:00"), ok("")}, 0x60000001},  // not the time zone read before
+        {kSetTime, {http(403, status(4))}, 0x40000001, kUnsupported},
+        {kSetTime, {ok(status(1))}, 0x30000001},  // nothing was set
     });
 }
 
@@ -165,13 +162,13 @@ TEST(SystemExchange, refusesBadRequestsWithoutAskingTheDevice) {
           R"({"Time":{"timeMode":1,"localTime":"2024-05-01T08:30:00Z"}})",
           R"({"Time":{"timeMode":"NTP","localTime":"2024-05-01T08:30:00Z"}})",
           R"({"Time":{"timeMode":"manual","localTime":"2024-05-01"}})", R"({"timeZone":8})"}) {
-        cases.push_back({time(&CVeltaDevice::veltaSetTimeMngParam, body), {}, 0x60000001, "", ""});
-        cases.push_back({time(&CVeltaDevice::veltaSetTimeZoneParam, body), {}, 0x60000001, "", ""});
+        cases.push_back({time(&CVeltaDevice::veltaSetTimeMngParam, body), {}, 0x60000001});
+        cases.push_back({time(&CVeltaDevice::veltaSetTimeZoneParam, body), {}, 0x60000001});
     }
     for (const char* body :
          {R"({"IOPortData":{"outputState":"HIGH"}})", R"({"IOPortData":{"outputState":1}})",
           R"({"IOPortData":["outputState"]})", R"(["IOPortData"])"})
-        cases.push_back({trigger(body), {}, 0x60000001, "", ""});
+        cases.push_back({trigger(body), {}, 0x60000001});
     check(cases);
 }
 
