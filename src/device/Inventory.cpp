@@ -24,7 +24,7 @@ class Channel {
     /* The text of a child; empty when it has none. */
     std::string text(const char* child) const {
         if (!xml_.IntoElem()) return "";
-        const std::string text = xml_.FindElem(child) ? xml_.GetData() : "";
+        std::string text = xml_.FindElem(child) ? xml_.GetData() : "";
         xml_.OutOfElem();
         return text;
     }
