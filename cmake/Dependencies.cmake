@@ -8,6 +8,12 @@ pkg_check_modules(jsoncpp REQUIRED IMPORTED_TARGET jsoncpp)
 # The package is built with the standard library's strings, which changes the layout of its classes.
 pkg_check_modules(tinyxml REQUIRED IMPORTED_TARGET tinyxml)
 target_compile_definitions(PkgConfig::tinyxml INTERFACE TIXML_USE_STL)
+# The archive, so that a host with another version in its process meets no clash.
+find_package(pugixml REQUIRED)
+find_library(VELTA_PUGIXML NAMES libpugixml.a pugixml REQUIRED)
+add_library(velta_pugixml INTERFACE)
+target_link_libraries(velta_pugixml INTERFACE ${VELTA_PUGIXML})
+add_library(velta::pugixml ALIAS velta_pugixml)
 
 if(VELTA_BUILD_TOOLS)
   pkg_check_modules(microhttpd REQUIRED IMPORTED_TARGET libmicrohttpd)

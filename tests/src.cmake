@@ -25,6 +25,7 @@ velta_test(gateway_tests
 velta_test(translate_tests
   SOURCES
     unit/platform/scripted_server.cpp
+    unit/translate/access_test.cpp
     unit/translate/device_info_test.cpp
     unit/translate/exchange_test.cpp
     unit/translate/local_time_test.cpp

@@ -7,6 +7,9 @@ target_link_libraries(system_support PRIVATE velta_settings PUBLIC
 add_dependencies(system_support veltadev)
 
 velta_test(contract_tests SOURCES system/contract_test.cpp LIBRARIES system_support)
+velta_test(access_tests
+  SOURCES system/access_biometrics_test.cpp system/access_persons_test.cpp system/access_site_test.cpp
+  LIBRARIES system_support)
 velta_test(gateway_system_tests SOURCES system/gateway_test.cpp LIBRARIES system_support)
 
 # One process, so that all sessions wait for the same online checks.

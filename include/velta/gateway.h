@@ -21,12 +21,14 @@ typedef struct VELTA_GatewayTable {
      * device as it stands, less the host's own parameter "devIndex", which the query of its uri must hold
      * ("/VELTA/System/deviceInfo?devIndex=1").
      *
-     * A uri with "format=json" in it that names a common operation is translated: the body is the host's JSON, which
-     * is checked, and the answer is JSON. These are PUT /VELTA/System/reboot; GET and PUT of /VELTA/System/deviceInfo,
-     * /VELTA/System/time, /VELTA/System/time/timeZone, /VELTA/System/Network/interfaces/N and .../N/ipAddress; GET
-     * /VELTA/System/Network/interfaces. Another method is refused with VELTA_E_NOT_SUPPORTED. So is, at
-     * /VELTA/System/IO/outputs/N/trigger, any method but PUT, whose body is {"IOPortData":{"outputState":"high"|"low"}}
-     * and whose uri must have a query.
+     * A uri with "format=json" in it that names a common operation is translated: the body is the host's JSON,
+     * which is checked, and the answer is JSON. The operations are listed in docs/requests.md: device
+     * information, time, network, and all of access control. Another method than theirs is refused with
+     * VELTA_E_NOT_SUPPORTED. So is, at /VELTA/System/IO/outputs/N/trigger, any method but PUT, whose body is
+     * {"IOPortData":{"outputState":"high"|"low"}} and whose uri must have a query.
+     *
+     * Requests of one session that write persons, cards, faces or fingerprints, or read fingerprints back, are
+     * carried out one after the other; each waits for those before it.
      *
      * response receives the device's answer, or the status of what went wrong,
      * {"statusCode","statusString","subStatusCode","errorCode","errorMsg"}: at most responseSize - 1 bytes
@@ -34,7 +36,7 @@ typedef struct VELTA_GatewayTable {
      * nothing.
      *
      * Always VELTA_OK (0): the answer tells how it went. Blocks for the exchange, at most about 15 s for each
-     * request that goes to the device. [any thread, in event] */
+     * request that goes to the device: a batch of persons is one request for each. [any thread, in event] */
     int (*VELTA_Getway)(void* instance, char* request, char* response, unsigned int responseSize,
                         struct tagVELTA_INFO* info);
 

@@ -7,8 +7,10 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "DevPlus/CDevBase.h"
 #include "DevPlus/CDevConnect_V2.h"
@@ -75,7 +77,7 @@ class CVeltaDevice final : public CDevBase,
                                 unsigned char method, const std::string& extra);
     /* One upload of a face record: its JSON and its JPEG as the parts of a form. */
     int32_t sendHttpReqToDevicebyForm(std::string& response, const std::string& path, const std::string& json,
-                                      const std::string& image, unsigned char method);
+                                      std::string image, unsigned char method);
 
     // Arming (Arming.cpp) and the alert stream (AlertStream.cpp)
 
@@ -160,6 +162,132 @@ class CVeltaDevice final : public CDevBase,
     uint32_t veltaGetIPAddress(int id, std::string& answer);
     uint32_t veltaPutIPAddress(const std::string& path, const Json::Value& body, std::string& answer);
 
+    // Access control: translators of JSON resources send path with "?format=json", and the host's body unchanged
+    // unless they say otherwise. Those that write persons, cards, faces or fingerprints hold requestMutex_ for
+    // their whole run, so that they go one after the other.
+
+    // Capabilities and reads that go through unchanged (translate/acs/Capabilities.cpp)
+
+    /* The device's JSON, written anew. */
+    uint32_t veltaGet(std::string& answer, const std::string& path);
+    uint32_t veltaGetAcsCapabilities(std::string& answer);
+    uint32_t veltaGetAcsUserCount(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetDeleteAcsPermissionStatus(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetAcsCardCount(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetAddAcsFpProgress(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetAcsFpCapabilities(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetDeleteAcsFpProgress(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetAcsFpDeleteCapabilities(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetAcsCardReaderCfg(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetUserRightHolidayPlanCfg(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetUserRightHolidayGroupCfg(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetUserRightWeekPlanCfg(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetUserRightPlanTemplate(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+    uint32_t veltaGetAcsFaceRecognizeMode(std::string& answer, const std::string& path) {
+        return veltaGet(answer, path);
+    }
+
+    // Persons (translate/acs/Persons.cpp)
+
+    /* One person unchecked, or a batch of up to 30, which succeeds as a whole and tells of each person apart. */
+    uint32_t veltaAddAcsUser(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSetAcsUser(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSearchAcsUser(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaDeleteAcsPermissionCfg(std::string& answer, const std::string& path,
+                                         const velta::HostBody& body);
+
+    // Cards (translate/acs/Cards.cpp)
+
+    uint32_t veltaAddAcsCard(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSetAcsCard(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaDeleteAcsCard(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSearchAcsCard(std::string& answer, const std::string& path, const velta::HostBody& body);
+
+    // Faces (translate/acs/Faces.cpp)
+
+    /* Reads which face libraries the device has. */
+    uint32_t veltaGetFDLib();
+    uint32_t veltaAddAcsFace(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSetUpAcsFace(std::string& answer, const std::string& path, const velta::HostBody& body);
+    /* Has no route; path is not looked at. */
+    uint32_t veltaSetAcsFace(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaDeleteAcsFace(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaGetAcsFaceCount(std::string& answer, const std::string& path);
+    uint32_t veltaSearchAcsFace(std::string& answer, const std::string& path, const velta::HostBody& body);
+
+    // Fingerprints (translate/acs/Fingerprints.cpp) and their capture (translate/acs/FingerprintCapture.cpp)
+
+    uint32_t veltaAddAcsFp(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSetAcsFp(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSearchAcsFp(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaDeleteAcsFp(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaSetAcsCardReaderCfg(std::string& answer, const std::string& path,
+                                      const velta::HostBody& body);
+    uint32_t veltaCaptureAcsFp(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaGetAcsFpCaptureCapabilities(std::string& answer, const std::string& path);
+    static bool transCaptureAcsFpJson2Xml(const std::string& json, std::string& xml);
+
+    // Log of access events (translate/acs/EventSearch.cpp)
+
+    uint32_t veltaSearchAcsEvent(std::string& answer, const std::string& path, const velta::HostBody& body);
+
+    // Doors (translate/acs/Doors.cpp)
+
+    uint32_t veltaRemoteControlDoor(std::string& answer, const std::string& path,
+                                    const velta::HostBody& body);
+    /* Learns the number of doors. */
+    uint32_t veltaGetRemoteDoorCap(std::string& answer);
+    uint32_t veltaGetDoorParam(std::string& answer, const std::string& path);
+    uint32_t veltaSetDoorParam(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaGetAcsWorkStatus(std::string& answer, const std::string& path);
+    static bool transRemoteDoorControlJson2Xml(const std::string& json, std::string& xml);
+
+    // Schedules and recognition mode (translate/acs/Schedules.cpp)
+
+    uint32_t veltaSetUserRightWeekPlanCfg(std::string& answer, const std::string& path,
+                                          const velta::HostBody& body);
+    uint32_t veltaSetUserRightHolidayPlanCfg(std::string& answer, const std::string& path,
+                                             const velta::HostBody& body);
+    uint32_t veltaSetUserRightHolidayGroupCfg(std::string& answer, const std::string& path,
+                                              const velta::HostBody& body);
+    uint32_t veltaSetUserRightPlanTemplate(std::string& answer, const std::string& path,
+                                           const velta::HostBody& body);
+    uint32_t veltaSetAcsFaceRecognizeMode(std::string& answer, const std::string& path,
+                                          const velta::HostBody& body);
+
+    // Hosts that events are pushed to (translate/acs/EventHosts.cpp)
+
+    uint32_t veltaGetEventHost(std::string& answer, const std::string& path);
+    /* Replaces the table, which stands under one path whatever the host's is. */
+    uint32_t veltaSetEventHost(std::string& answer, const std::string& path, const velta::HostBody& body);
+    uint32_t veltaDeleteEventHost(std::string& answer, const std::string& path);
+    /* Asks the device how many hosts it takes. */
+    bool isValidHostID(std::string id);
+
     // Media: talk and record download do nothing and succeed
 
     int StartTalk(DEVICE_T*, VELTA_StreamCallBack, void*, void*&) override { return VELTA_OK; }
@@ -176,6 +304,7 @@ class CVeltaDevice final : public CDevBase,
     class CallGuard;
 
     velta::Connection connection() const;
+    bool isOnline() const { return connStatus_ == VELTA_STATUS_ONLINE; }
 
     void NotifyConnStatus(int newStatus, const char* errorInfo);
 
@@ -187,10 +316,16 @@ class CVeltaDevice final : public CDevBase,
     static size_t writeResponseBody(char* data, size_t size, size_t count, void* session);
     static size_t endOfHeaders(char* data, size_t size, size_t count, void* session);
 
-    uint32_t dispatch(const std::string& text, std::string& answer);
+    uint32_t dispatch(std::string_view text, std::string& answer);
     uint32_t triggerOutput(const std::string& path, const velta::HostRequest& request);
     uint32_t forwardToDevice(const std::string& path, const std::string& body, unsigned char method,
                              std::string& answer);
+
+    /* The id of the face library of a type; empty when the device has none. */
+    std::string faceLibraryId(const std::string& type) const;
+    uint32_t learnDoorCount(std::string& answer);
+    bool hasDoor(int number) const;
+    uint32_t putDoor(std::string& answer, const std::string& path, const std::string& document);
 
     mutable xpr::xpr_mutex stateMutex_;  // held for copying only
     velta::Connection connection_ XPR_GUARDED_BY(stateMutex_);
@@ -199,10 +334,16 @@ class CVeltaDevice final : public CDevBase,
     std::string deviceName_ XPR_GUARDED_BY(stateMutex_);
     bool nameUpdatePending_ XPR_GUARDED_BY(stateMutex_) = false;
     velta::Connection refused_ XPR_GUARDED_BY(stateMutex_);  // the credentials that the device refused last
+    std::map<std::string, std::string> faceLibraries_ XPR_GUARDED_BY(stateMutex_);  // ids by type
+    std::atomic<int> doorCount_{-1};  // -1 not asked for yet, 0 after a failed reading
 
     std::atomic<int> connStatus_{VELTA_STATUS_UNKNOWN};  // written under armMutex_
     velta::CallbackSlot<VELTA_ConnStatusCallBack> connStatusCallBack_;
     velta::CallbackSlot<VELTA_EventCallBack> eventCallBack_;
+
+    // One write of persons, cards, faces or fingerprints at a time. Held while the device answers: nobody takes
+    // it who holds another lock.
+    xpr::xpr_mutex requestMutex_;
 
     // Lock order: subscribeMutex_, then armMutex_ or a lock of the manager; armMutex_, then stateMutex_.
     xpr::xpr_mutex subscribeMutex_;  // one SetEventCallBack at a time

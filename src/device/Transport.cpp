@@ -3,9 +3,12 @@
 #include <netutils/netutils.h>
 #include <xlog/xlog.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "device/CVeltaDevice.h"
 
@@ -135,21 +138,20 @@ int32_t reportNoClient(const std::string& url) {
     return CVeltaDevice::kTransportFailure;
 }
 
-// The part header announces the length of the JSON as it was given, although its line feeds are left out.
-std::string faceRecordForm(const std::string& json, const std::string& image) {
+// The part header announces the length of the JSON as it was given, although its line feeds are left out. The
+// picture, which may be large, becomes the form: there is never a third copy of it.
+std::string faceRecordForm(const std::string& json, std::string image) {
     const std::string delimiter = std::string("--") + kBoundary;
-    std::string form;
-    form.reserve(json.size() + image.size() + 512);
-    form += delimiter + "\r\nContent-Disposition: form-data; name=\"FaceDataRecord\";\r\n";
-    form += "Content-Type: application/json\r\nContent-Length: " + std::to_string(json.size()) + "\r\n\r\n";
-    for (const char c : json) {
-        if (c != '\n') form += c;
-    }
-    form += "\r\n" + delimiter + "\r\nContent-Disposition: form-data; name=\"FaceImage\";\r\n";
-    form += "Content-Type: image/jpeg\r\nContent-Length: " + std::to_string(image.size()) + "\r\n\r\n";
-    form += image;
-    form += "\r\n" + delimiter + "--\r\n";
-    return form;
+    std::string head = delimiter + "\r\nContent-Disposition: form-data; name=\"FaceDataRecord\";\r\n";
+    head += "Content-Type: application/json\r\nContent-Length: " + std::to_string(json.size()) + "\r\n\r\n";
+    std::remove_copy(json.begin(), json.end(), std::back_inserter(head), '\n');
+    head += "\r\n" + delimiter + "\r\nContent-Disposition: form-data; name=\"FaceImage\";\r\n";
+    head += "Content-Type: image/jpeg\r\nContent-Length: " + std::to_string(image.size()) + "\r\n\r\n";
+    const std::string tail = "\r\n" + delimiter + "--\r\n";
+    image.reserve(head.size() + image.size() + tail.size());
+    image.insert(0, head);
+    image += tail;
+    return image;
 }
 
 }  // namespace
@@ -174,14 +176,14 @@ int32_t CVeltaDevice::sendHttpReqToDevice(std::string& response, const std::stri
 }
 
 int32_t CVeltaDevice::sendHttpReqToDevicebyForm(std::string& response, const std::string& path,
-                                                const std::string& json, const std::string& image,
+                                                const std::string& json, std::string image,
                                                 unsigned char method) {
     const velta::Connection device = connection();
     const std::string url = device.url(path);
     Client client;
     if (!client.isValid()) return reportNoClient(url);
     client.setHeaders(kFormHeaders);
-    client.setBody(faceRecordForm(json, image));
+    client.setBody(faceRecordForm(json, std::move(image)));
     client.setCredentials(device);
     client.setTimeOuts(kFormTimeOuts);
     return client.exchange(url, method, response);

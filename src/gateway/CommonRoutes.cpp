@@ -37,7 +37,7 @@ uint32_t byAnswer(const Call& call) {
 
 template <uint32_t (CVeltaDevice::*operation)(std::string&, const Json::Value&)>
 uint32_t byBody(const Call& call) {
-    return (call.device.*operation)(call.answer, call.request.body);
+    return (call.device.*operation)(call.answer, call.request.body.json);
 }
 
 template <void (CVeltaDevice::*operation)(int&, std::string&)>
@@ -50,8 +50,18 @@ uint32_t byCode(const Call& call) {
 template <void (CVeltaDevice::*operation)(int&, const std::string&, std::string&)>
 uint32_t byCodeAndText(const Call& call) {
     int code = static_cast<int>(velta::kNoErrorCode);
-    (call.device.*operation)(code, call.request.bodyText, call.answer);
+    (call.device.*operation)(code, call.request.body.text, call.answer);
     return static_cast<uint32_t>(code);
+}
+
+template <uint32_t (CVeltaDevice::*operation)(std::string&, const std::string&)>
+uint32_t byPath(const Call& call) {
+    return (call.device.*operation)(call.answer, call.path);
+}
+
+template <uint32_t (CVeltaDevice::*operation)(std::string&, const std::string&, const velta::HostBody&)>
+uint32_t byPathBody(const Call& call) {
+    return (call.device.*operation)(call.answer, call.path, call.request.body);
 }
 
 uint32_t badInterface(const char* function, int line) {
@@ -67,8 +77,9 @@ uint32_t byInterface(const Call& call) {
 
 template <uint32_t (CVeltaDevice::*operation)(const std::string&, const Json::Value&, std::string&)>
 uint32_t byInterfaceBody(const Call& call) {
-    return call.interfaceNumber() > 0 ? (call.device.*operation)(call.path, call.request.body, call.answer)
-                                      : badInterface(__func__, __LINE__);
+    return call.interfaceNumber() > 0
+               ? (call.device.*operation)(call.path, call.request.body.json, call.answer)
+               : badInterface(__func__, __LINE__);
 }
 
 /* What a route does for a method; hosts and this table write methods in the same spelling. */
@@ -93,24 +104,53 @@ constexpr Route kRoutes[] = {
     {"/VELTA/System/Network/interfaces/%d/ipAddress", 1, {{"GET", byInterface<&CVeltaDevice::veltaGetIPAddress>}, {"PUT", byInterfaceBody<&CVeltaDevice::veltaPutIPAddress>}}},
     {"/VELTA/System/time", 0, {{"GET", byCode<&CVeltaDevice::veltaGetTimeMngParam>}, {"PUT", byCodeAndText<&CVeltaDevice::veltaSetTimeMngParam>}}},
     {"/VELTA/System/time/timeZone", 0, {{"GET", byCode<&CVeltaDevice::veltaGetTimeZoneParam>}, {"PUT", byCodeAndText<&CVeltaDevice::veltaSetTimeZoneParam>}}},
+    {"/VELTA/AccessControl/capabilities", 0, {{"GET", byAnswer<&CVeltaDevice::veltaGetAcsCapabilities>}}},
+    {"/VELTA/AccessControl/UserInfoDetail/Delete", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaDeleteAcsPermissionCfg>}}},
+    {"/VELTA/AccessControl/UserInfoDetail/DeleteProcess", 0, {{"GET", byPath<&CVeltaDevice::veltaGetDeleteAcsPermissionStatus>}}},
+    {"/VELTA/AccessControl/UserInfo/Record", 0, {{"POST", byPathBody<&CVeltaDevice::veltaAddAcsUser>}}},
+    {"/VELTA/AccessControl/UserInfo/Modify", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaSetAcsUser>}}},
+    {"/VELTA/AccessControl/UserInfo/Count", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsUserCount>}}},
+    {"/VELTA/AccessControl/UserInfo/Search", 0, {{"POST", byPathBody<&CVeltaDevice::veltaSearchAcsUser>}}},
+    {"/VELTA/AccessControl/CardInfo/Record", 0, {{"POST", byPathBody<&CVeltaDevice::veltaAddAcsCard>}}},
+    {"/VELTA/AccessControl/CardInfo/Modify", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaSetAcsCard>}}},
+    {"/VELTA/AccessControl/CardInfo/Delete", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaDeleteAcsCard>}}},
+    {"/VELTA/AccessControl/CardInfo/Count", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsCardCount>}}},
+    {"/VELTA/AccessControl/CardInfo/Search", 0, {{"POST", byPathBody<&CVeltaDevice::veltaSearchAcsCard>}}},
+    {"/VELTA/Intelligent/FDLib/FaceDataRecord", 0, {{"POST", byPathBody<&CVeltaDevice::veltaAddAcsFace>}}},
+    {"/VELTA/Intelligent/FDLib/FDSetUp", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaSetUpAcsFace>}}},
+    {"/VELTA/Intelligent/FDLib/FDSearch/Delete", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaDeleteAcsFace>}}},
+    {"/VELTA/Intelligent/FDLib/Count", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsFaceCount>}}},
+    {"/VELTA/Intelligent/FDLib/FDSearch", 0, {{"POST", byPathBody<&CVeltaDevice::veltaSearchAcsFace>}}},
+    {"/VELTA/AccessControl/AcsWorkStatus", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsWorkStatus>}}},
+    {"/VELTA/AccessControl/RemoteControl/door/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaRemoteControlDoor>}}},
+    {"/VELTA/AccessControl/Door/param/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaSetDoorParam>}, {"GET", byPath<&CVeltaDevice::veltaGetDoorParam>}}},
+    {"/VELTA/AccessControl/UserRightHolidayPlanCfg/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaSetUserRightHolidayPlanCfg>}, {"GET", byPath<&CVeltaDevice::veltaGetUserRightHolidayPlanCfg>}}},
+    {"/VELTA/AccessControl/UserRightHolidayGroupCfg/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaSetUserRightHolidayGroupCfg>}, {"GET", byPath<&CVeltaDevice::veltaGetUserRightHolidayGroupCfg>}}},
+    {"/VELTA/AccessControl/UserRightWeekPlanCfg/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaSetUserRightWeekPlanCfg>}, {"GET", byPath<&CVeltaDevice::veltaGetUserRightWeekPlanCfg>}}},
+    {"/VELTA/AccessControl/UserRightPlanTemplate/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaSetUserRightPlanTemplate>}, {"GET", byPath<&CVeltaDevice::veltaGetUserRightPlanTemplate>}}},
+    {"/VELTA/AccessControl/FaceRecognizeMode", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaSetAcsFaceRecognizeMode>}, {"GET", byPath<&CVeltaDevice::veltaGetAcsFaceRecognizeMode>}}},
+    {"/VELTA/AccessControl/AcsEvent", 0, {{"POST", byPathBody<&CVeltaDevice::veltaSearchAcsEvent>}}},
+    {"/VELTA/AccessControl/FingerPrintCfg/capabilities", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsFpCapabilities>}}},
+    {"/VELTA/AccessControl/CardReaderCfg/%d", 1, {{"PUT", byPathBody<&CVeltaDevice::veltaSetAcsCardReaderCfg>}, {"GET", byPath<&CVeltaDevice::veltaGetAcsCardReaderCfg>}}},
+    {"/VELTA/AccessControl/FingerPrintDownload", 0, {{"POST", byPathBody<&CVeltaDevice::veltaAddAcsFp>}}},
+    {"/VELTA/AccessControl/FingerPrintProgress", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAddAcsFpProgress>}}},
+    {"/VELTA/AccessControl/FingerPrintModify", 0, {{"POST", byPathBody<&CVeltaDevice::veltaSetAcsFp>}}},
+    {"/VELTA/AccessControl/FingerPrintUpload", 0, {{"POST", byPathBody<&CVeltaDevice::veltaSearchAcsFp>}}},
+    {"/VELTA/AccessControl/FingerPrint/Delete", 0, {{"PUT", byPathBody<&CVeltaDevice::veltaDeleteAcsFp>}}},
+    {"/VELTA/AccessControl/FingerPrint/DeleteProcess", 0, {{"GET", byPath<&CVeltaDevice::veltaGetDeleteAcsFpProgress>}}},
+    {"/VELTA/AccessControl/FingerPrint/Delete/capabilities", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsFpDeleteCapabilities>}}},
+    {"/VELTA/AccessControl/CaptureFingerPrint/capabilities", 0, {{"GET", byPath<&CVeltaDevice::veltaGetAcsFpCaptureCapabilities>}}},
+    {"/VELTA/AccessControl/CaptureFingerPrint", 0, {{"POST", byPathBody<&CVeltaDevice::veltaCaptureAcsFp>}}},
+    {"/VELTA/Event/notification/httpHosts", 0, {{"GET", byPath<&CVeltaDevice::veltaGetEventHost>}, {"POST", byPathBody<&CVeltaDevice::veltaSetEventHost>}, {"PUT", byPathBody<&CVeltaDevice::veltaSetEventHost>}, {"DELETE", byPath<&CVeltaDevice::veltaDeleteEventHost>}}},
 };
 // clang-format on
-
-std::optional<uint32_t> integerOf(const Json::Value& value) {
-    if (value.isInt()) return static_cast<uint32_t>(value.asInt());
-    if (value.isUInt()) return value.asUInt();
-    return std::nullopt;
-}
 
 /* The error number that a translator's answer carries, or none. */
 uint32_t codeOfAnswer(const std::string& answer) {
     Json::Value value;
     if (answer.empty() || answer.front() != '{' || !velta::parseJson(answer, value))
         return velta::kNoErrorCode;
-    const Json::Value& root = value;
-    if (const auto errorCode = integerOf(root["errorCode"])) return *errorCode;
-    if (const auto statusCode = integerOf(root["statusCode"])) return velta::errorNoOfStatusCode(*statusCode);
-    return velta::kNoErrorCode;
+    return velta::errorNoOfAnswer(value).value_or(velta::kNoErrorCode);
 }
 
 }  // namespace

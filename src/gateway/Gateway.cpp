@@ -37,8 +37,8 @@ bool readEnvelope(std::string_view text, velta::HostRequest& request) {
     if (!root["uri"].isString() || !root["body"].isString()) return false;
     request.method = method.asString();
     request.uri = root["uri"].asString();
-    request.bodyText = root["body"].asString();
-    if (!velta::parseJson(request.bodyText, request.body)) request.body = Json::Value();
+    request.body.text = root["body"].asString();
+    if (!velta::parseJson(request.body.text, request.body.json)) request.body.json = Json::Value();
     return true;
 }
 
@@ -79,7 +79,7 @@ int CVeltaDevice::DeviceLoop(char* buffer, unsigned int size) {
     return static_cast<int>(result);
 }
 
-uint32_t CVeltaDevice::dispatch(const std::string& text, std::string& answer) {
+uint32_t CVeltaDevice::dispatch(std::string_view text, std::string& answer) {
     velta::HostRequest request;
     if (!readEnvelope(text, request)) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] szConfigJson format is wrong", __func__, __LINE__);
@@ -103,7 +103,7 @@ uint32_t CVeltaDevice::dispatch(const std::string& text, std::string& answer) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] wrong http method", __func__, __LINE__);
         return VELTA_E_BAD_PARAMETER;
     }
-    return forwardToDevice(path, request.bodyText, static_cast<unsigned char>(method), answer);
+    return forwardToDevice(path, request.body.text, static_cast<unsigned char>(method), answer);
 }
 
 uint32_t CVeltaDevice::triggerOutput(const std::string& path, const velta::HostRequest& request) {
@@ -117,7 +117,7 @@ uint32_t CVeltaDevice::triggerOutput(const std::string& path, const velta::HostR
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] no support url", __func__, __LINE__);
         return VELTA_E_NOT_SUPPORTED;
     }
-    return veltaSetAlarmOutTrigger(path, request.body);
+    return veltaSetAlarmOutTrigger(path, request.body.json);
 }
 
 // A body that holds nothing but a device name is merged into the device's own document; everything else goes

@@ -7,12 +7,17 @@
 
 namespace velta {
 
+/* The body of a host's request. Documents that go to the device unchanged are the text. */
+struct HostBody {
+    std::string text; /* byte for byte as the host sent it */
+    Json::Value json; /* null when the text is no JSON */
+};
+
 /* A host's request out of its envelope. */
 struct HostRequest {
     std::string method;
-    std::string uri;      /* with its query */
-    std::string bodyText; /* byte for byte as the host sent it */
-    Json::Value body;     /* the text as JSON; null when it is none */
+    std::string uri; /* with its query */
+    HostBody body;
 };
 
 }  // namespace velta

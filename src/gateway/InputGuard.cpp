@@ -48,14 +48,15 @@ Tag readTag(std::string_view text, size_t at) {
 
 }  // namespace
 
-bool isJsonNestingAllowed(std::string_view text) {
+bool isJsonShapeAllowed(std::string_view text) {
     JsonExtent extent;
     extent.feed(text);
-    return extent.deepest() <= kMaxJsonNesting;
+    return extent.deepest() <= kMaxJsonNesting && extent.values() <= kMaxJsonValues;
 }
 
 bool isXmlShapeAllowed(std::string_view text) {
     int nesting = 0;
+    int elements = 0;
     for (size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
         const std::string_view rest = text.substr(at);
         const Passage* passage = nullptr;
@@ -72,7 +73,7 @@ bool isXmlShapeAllowed(std::string_view text) {
             at = behind(text, ">", at);
         } else {
             const Tag tag = readTag(text, at + 1);
-            if (tag.attributes > kMaxXmlAttributes) return false;
+            if (++elements > kMaxXmlElements || tag.attributes > kMaxXmlAttributes) return false;
             if (!tag.closesItself && ++nesting > kMaxXmlNesting) return false;
             at = tag.end;
         }

@@ -3,6 +3,7 @@
 namespace velta {
 
 void JsonExtent::openBracket() {
+    ++values_;
     if (++depth_ > deepest_) deepest_ = depth_;
 }
 
@@ -19,6 +20,7 @@ size_t JsonExtent::feed(std::string_view bytes) {
                 if (first_ == 0 && c != ' ' && c != '\t' && c != '\r' && c != '\n' && c != '/') first_ = c;
                 if (c == '"') state_ = State::String;
                 if (c == '/') state_ = State::Slash;
+                if (c == ',') ++values_;
                 if (c == '{' || c == '[') openBracket();
                 if (c == '}' || c == ']') closeBracket();
                 break;

@@ -23,6 +23,9 @@ class JsonExtent {
     /* The greatest number of brackets open at once. */
     int deepest() const { return deepest_; }
 
+    /* Brackets opened and commas: at least the number of values, less one. */
+    size_t values() const { return values_; }
+
  private:
     enum class State { Text, String, Escape, Slash, LineComment, BlockComment, BlockCommentStar, Closed };
 
@@ -33,6 +36,7 @@ class JsonExtent {
     char first_ = 0;
     int depth_ = 0;
     int deepest_ = 0;
+    size_t values_ = 0;
 };
 
 }  // namespace velta

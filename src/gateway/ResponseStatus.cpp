@@ -57,6 +57,13 @@ uint32_t getHttpStatusCodeByErrorNo(uint32_t errorNo) {
     return httpStatus;
 }
 
+std::optional<uint32_t> velta::errorNoOfAnswer(const Json::Value& answer) {
+    if (const auto errorCode = integerOf(memberOf(answer, "errorCode"))) return errorCode;
+    const auto statusCode = integerOf(memberOf(answer, "statusCode"));
+    if (!statusCode) return std::nullopt;
+    return errorNoOfStatusCode(*statusCode);
+}
+
 Json::Value velta::hostStatus(uint32_t errorNo) {
     Json::Value status;
     uint32_t httpStatus = 0;

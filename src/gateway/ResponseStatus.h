@@ -8,6 +8,7 @@
 #include <json/value.h>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 /* One catalogued error number. */
@@ -38,6 +39,10 @@ const tagREST_ERR_GROUP* errorGroup(uint32_t statusCode);
 constexpr uint32_t errorNoOfStatusCode(uint32_t statusCode) {
     return (statusCode << 28) | 1;
 }
+
+/* The error number in a device's JSON answer: its "errorCode", else the first one of its "statusCode"; nothing
+ * when both are missing or no integers. */
+std::optional<uint32_t> errorNoOfAnswer(const Json::Value& answer);
 
 /* The host status of a number; of kUnknownErrorCode when it is not catalogued. */
 Json::Value hostStatus(uint32_t errorNo);

@@ -63,6 +63,24 @@ bool removeQueryFromUrl(std::string& out, const char* url, const std::string& ke
     return true;
 }
 
+std::string percentEncoded(std::string_view text) {
+    static constexpr std::string_view kUnreserved =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string encoded;
+    for (const char c : text) {
+        if (kUnreserved.find(c) != std::string_view::npos) {
+            encoded += c;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(c);
+        encoded += '%';
+        encoded += kDigits[byte >> 4U];
+        encoded += kDigits[byte & 15U];
+    }
+    return encoded;
+}
+
 uint32_t covertVELTAMethod(const std::string& method) {
     static constexpr const char* kMethods[] = {"GET", "PUT", "POST", "DELETE"};
     for (uint32_t code = 0; code < std::size(kMethods); ++code) {

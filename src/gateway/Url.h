@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 /* Compares the path of url, which ends at its first "?", with a text; 0: equal. */
 int CompareUrl(const std::string& url, const char* pattern);
@@ -25,6 +26,10 @@ bool CheckUrlWithVariable(const char* url, const char* pattern, int count);
  * own separator: "/a?key=2&b=1" becomes "/a&b=1". False, with out untouched, when url has no such parameter.
  */
 bool removeQueryFromUrl(std::string& out, const char* url, const std::string& key);
+
+/* A text to stand in a URL as the value of a parameter: all but letters, digits and "-._~" become "%XX", so
+ * that no text changes what the URL means. */
+std::string percentEncoded(std::string_view text);
 
 /* "GET" 0, "PUT" 1, "POST" 2, "DELETE" 3, in exactly this spelling; else 0xFFFFFFFF. */
 uint32_t covertVELTAMethod(const std::string& method);

@@ -1,6 +1,8 @@
 #include "translate/XmlDocument.h"
 
 #include <algorithm>
+#include <climits>
+#include <cstdlib>
 #include <iterator>
 
 #include "gateway/CXmlBase.h"
@@ -50,6 +52,11 @@ std::optional<std::string> rootChildText(const std::string& document, const char
         return std::nullopt;
     }
     return xml.GetData();
+}
+
+int leadingInt(const std::string& text) {
+    const long number = std::strtol(text.c_str(), nullptr, 10);
+    return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
 }
 
 }  // namespace velta

@@ -23,6 +23,10 @@ std::string xmlEscaped(std::string_view text);
  * such child, or no document. */
 std::optional<std::string> rootChildText(const std::string& document, const char* name);
 
+/* The number at the start of a text, as devices write numbers: 0 when there is none, the nearest int when it
+ * is none. */
+int leadingInt(const std::string& text);
+
 }  // namespace velta
 
 #endif

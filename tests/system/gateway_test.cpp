@@ -59,15 +59,14 @@ uint32_t errorCodeOf(const std::string& answer) {
 TEST_F(GatewayTest, forwardsWhatItGetsWithoutTheHostsParameter) {
     const std::string answer = session->request("GET", "/VELTA/System/deviceInfo?devIndex=1");
     EXPECT_THAT(answer, HasSubstr("<DeviceInfo"));
-    const std::string capabilities =
-        session->request("GET", "/VELTA/AccessControl/capabilities?format=json&devIndex=1");
-    EXPECT_THAT(capabilities, testing::StartsWith("{"));
+    device.setDocument("/VELTA/Some/Json", R"({"a": 1})");
+    EXPECT_EQ(session->request("GET", "/VELTA/Some/Json?format=json&devIndex=1"), R"({"a": 1})");
     const std::string unknown =
         session->request("DELETE", "/VELTA/Some/Thing?devIndex=1&a=b", "<x>\xc3\xa9</x>");
     EXPECT_THAT(unknown, HasSubstr("<statusCode>4</statusCode>"));
-    EXPECT_THAT(served(), testing::ElementsAre("GET /VELTA/System/deviceInfo",
-                                               "GET /VELTA/AccessControl/capabilities?format=json",
-                                               "DELETE /VELTA/Some/Thing&a=b"));
+    EXPECT_THAT(served(),
+                testing::ElementsAre("GET /VELTA/System/deviceInfo", "GET /VELTA/Some/Json?format=json",
+                                     "DELETE /VELTA/Some/Thing&a=b"));
     const auto last = device.requests().back();
     EXPECT_EQ(last.body, "<x>\xc3\xa9</x>");
     EXPECT_EQ(last.header("Content-Type"), "application/xml;charset=UTF-8");
@@ -104,6 +103,30 @@ TEST_F(GatewayTest, refusesBadEnvelopesWithoutAskingTheDevice) {
     EXPECT_THAT(device.requests(), IsEmpty());
     EXPECT_THAT(raw(R"(  {"method":"GET","uri":"/VELTA/System/deviceInfo?devIndex=1","body":""}  )"),
                 HasSubstr("<DeviceInfo"));
+}
+
+TEST_F(GatewayTest, takesRequestsOfAnySizeAndBytes) {
+    // Megabytes go through whole; no envelope gets larger by being large.
+    const std::string large(size_t{5} << 20, 'x');
+    device.setAnswer("PUT", "/VELTA/Some/Thing", 200, "taken");
+    EXPECT_EQ(session->request("PUT", "/VELTA/Some/Thing?devIndex=1", large), "taken");
+    EXPECT_EQ(device.requests().back().header("Content-Length"), std::to_string(large.size()));
+    EXPECT_EQ(errorCodeOf(raw(large.c_str())), 0x60000001U);
+    EXPECT_EQ(errorCodeOf(raw((R"({"method":"GET","uri":")" + large + R"(","body":""})").c_str())),
+              0x4000111DU);
+    // Bytes that are no UTF-8 reach the device as they are, unless the document is written anew.
+    const std::string bytes = "\xff\xfe\xc3";
+    EXPECT_EQ(
+        raw((R"({"method":"PUT","uri":"/VELTA/Some/Thing?devIndex=1","body":")" + bytes + R"("})").c_str()),
+        "taken");
+    EXPECT_EQ(device.requests().back().body, bytes);
+    device.setAnswer("POST", "/VELTA/AccessControl/CardInfo/Record", 200, R"({"statusCode":1})");
+    EXPECT_EQ(raw((R"({"method":"POST","uri":"/VELTA/AccessControl/CardInfo/Record?format=json","body":)"
+                   R"("{\"CardInfo\":{\"employeeNo\":\"1\",\"cardNo\":\")" +
+                   bytes + R"(\"}}"})")
+                      .c_str()),
+              R"({"statusCode":1})");
+    EXPECT_THAT(device.requests().back().body, HasSubstr("\\ufffd"));
 }
 
 TEST_F(GatewayTest, cutsTheAnswerToTheBuffer) {

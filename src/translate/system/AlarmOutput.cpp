@@ -5,7 +5,7 @@
 
 #include "device/CVeltaDevice.h"
 #include "translate/XmlDocument.h"
-#include "translate/system/XmlResource.h"
+#include "translate/XmlResource.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include "gateway/CXmlBase.h"
 #include "gateway/JsonText.h"
 #include "translate/XmlDocument.h"
-#include "translate/system/XmlResource.h"
+#include "translate/XmlResource.h"
 
 namespace {
 

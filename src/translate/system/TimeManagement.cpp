@@ -6,8 +6,8 @@
 #include "device/CVeltaDevice.h"
 #include "gateway/JsonText.h"
 #include "translate/XmlDocument.h"
+#include "translate/XmlResource.h"
 #include "translate/system/LocalTime.h"
-#include "translate/system/XmlResource.h"
 
 namespace {
 

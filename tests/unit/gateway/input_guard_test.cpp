@@ -14,7 +14,7 @@ std::string repeated(const std::string& text, int times) {
     return all;
 }
 
-TEST(InputGuard, refusesDeepJson) {
+TEST(InputGuard, refusesDeepAndCrowdedJson) {
     const auto nested = [](int levels) { return repeated("[", levels) + repeated("]", levels); };
     Json::Value root;
     EXPECT_TRUE(velta::parseJson(nested(velta::kMaxJsonNesting), root));
@@ -24,11 +24,14 @@ TEST(InputGuard, refusesDeepJson) {
     EXPECT_TRUE(velta::parseJson(R"({"a":")" + repeated("[\\\"", 1000) + R"("})", root));
     EXPECT_TRUE(velta::parseJson(
         "/*" + repeated("[*/ /*", 1000) + "*/{\"a\":1 // " + repeated("{", 1000) + "\n}", root));
+    const std::string most = "[" + repeated("1,", static_cast<int>(velta::kMaxJsonValues) - 1) + "1";
+    EXPECT_TRUE(velta::parseJson(most + "]", root));
+    EXPECT_FALSE(velta::parseJson(most + ",1]", root));
     // What stands behind the value does not count.
     EXPECT_TRUE(velta::parseJson("{}" + repeated("[", 100000), root));
 }
 
-TEST(InputGuard, refusesDeepAndWideXml) {
+TEST(InputGuard, refusesDeepWideAndCrowdedXml) {
     CXmlBase xml;
     EXPECT_NE(
         xml.Parse((repeated("<a>", velta::kMaxXmlNesting) + repeated("</a>", velta::kMaxXmlNesting)).c_str()),
@@ -42,6 +45,7 @@ TEST(InputGuard, refusesDeepAndWideXml) {
     }
     const std::string list = "<list>" + repeated("<item no='1'/><item></item>", 10000) + "</list>";
     EXPECT_NE(xml.Parse(list.c_str()), nullptr);
+    EXPECT_EQ(xml.Parse(("<list>" + repeated("<a/>", velta::kMaxXmlElements) + "</list>").c_str()), nullptr);
     EXPECT_EQ(xml.Parse(nullptr), nullptr);
 }
 

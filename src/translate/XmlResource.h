@@ -1,6 +1,6 @@
 /* Reading and writing a resource that a device keeps as an XML document. */
-#ifndef VELTA_TRANSLATE_SYSTEM_XMLRESOURCE_H
-#define VELTA_TRANSLATE_SYSTEM_XMLRESOURCE_H
+#ifndef VELTA_TRANSLATE_XMLRESOURCE_H
+#define VELTA_TRANSLATE_XMLRESOURCE_H
 
 #include <cstdint>
 #include <functional>
@@ -24,6 +24,14 @@ uint32_t readXmlResource(CVeltaDevice& device, const std::string& path, const Xm
 /* PUT. The error number; answer receives the status that the device reports unless that is success. */
 uint32_t writeXmlResource(CVeltaDevice& device, const std::string& path, const std::string& document,
                           std::string& answer);
+
+/* The error number of a ResponseStatus document, 0x60000001 for every other answer. answer receives the status
+ * that the device reports unless that is success. */
+uint32_t responseStatusOf(CVeltaDevice& device, std::string& answer, const std::string& reply);
+
+/* The error number of an answer that is not the document that was asked for, as the device reports it;
+ * 0x60000001 when it reports none. answer receives the status that the device reports. */
+uint32_t refusalOfRead(CVeltaDevice& device, std::string& answer, const std::string& reply);
 
 }  // namespace velta
 

@@ -1,9 +1,10 @@
-#include "translate/system/XmlResource.h"
+#include "translate/XmlResource.h"
 
 #include <xlog/xlog.h>
 #include <velta/result.h>
 
 #include "device/CVeltaDevice.h"
+#include "gateway/CXmlBase.h"
 
 namespace velta {
 
@@ -36,6 +37,18 @@ uint32_t writeXmlResource(CVeltaDevice& device, const std::string& path, const s
     const int32_t sent = device.sendHttpReqToDevice(reply, path, document, CVeltaDevice::kPut, "");
     if (!hasDocument(sent, path)) return static_cast<uint32_t>(sent);
     return device.parseVELTAResponseStatus(answer, reply);
+}
+
+uint32_t responseStatusOf(CVeltaDevice& device, std::string& answer, const std::string& reply) {
+    CXmlBase xml;
+    xml.Parse(reply.c_str());
+    return xml.FindElem("ResponseStatus") ? device.parseVELTAResponseStatus(answer, reply)
+                                          : VELTA_E_BAD_PARAMETER;
+}
+
+uint32_t refusalOfRead(CVeltaDevice& device, std::string& answer, const std::string& reply) {
+    const uint32_t code = responseStatusOf(device, answer, reply);
+    return code != VELTA_OK ? code : VELTA_E_BAD_PARAMETER;
 }
 
 }  // namespace velta
