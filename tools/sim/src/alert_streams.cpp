@@ -31,18 +31,15 @@ void AlertStreams::open(Exchange& exchange, uint16_t devicePort) {
     }
     std::string greeting = kStreamHeader;
     if (options_.eventAtConnect)
-        greeting += textOf(accessEventPart(*options_.eventAtConnect, ++serialNo_, senderTo(subscriber)));
+        greeting += textOf(accessEventPart(*options_.eventAtConnect, nextSerialNo(), senderTo(subscriber)));
     outlets_.push(id, std::move(greeting));
     subscribers_.emplace(id, subscriber);
     changed_.notify_all();
 }
 
-uint64_t AlertStreams::send(const AccessEvent& event) {
-    requireJson(event.moreMembers);
+void AlertStreams::send(const AccessEvent& event, uint64_t serialNo) {
     const std::lock_guard lock(mutex_);
-    const uint64_t number = ++serialNo_;
-    broadcast([&](const Sender& sender) { return accessEventPart(event, number, sender); });
-    return number;
+    broadcast([&](const Sender& sender) { return accessEventPart(event, serialNo, sender); });
 }
 
 void AlertStreams::send(const Alarm& alarm) {
@@ -97,9 +94,9 @@ uint64_t AlertStreams::lostEvents() const {
     return lost_;
 }
 
-Sender AlertStreams::senderTo(const Subscriber& subscriber) const {
+Sender AlertStreams::sender(const std::string& ipAddress, uint16_t port) const {
     const Identity& identity = options_.identity;
-    Sender sender{subscriber.ipAddress, subscriber.port, identity.macAddress, identity.deviceId, "", ""};
+    Sender sender{ipAddress, port, identity.macAddress, identity.deviceId, "", ""};
     complete_(sender);
     return sender;
 }

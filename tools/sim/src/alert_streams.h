@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -26,7 +27,12 @@ class AlertStreams {
     // [loop thread] Makes the sender of the request a subscriber, or tells it that there are too many.
     void open(Exchange& exchange, uint16_t devicePort);
 
-    uint64_t send(const AccessEvent& event);
+    // What an event says of the device to somebody who knows it by this address.
+    Sender sender(const std::string& ipAddress, uint16_t port) const;
+    uint64_t nextSerialNo() { return ++serialNo_; }
+    uint64_t lastSerialNo() const { return serialNo_; }
+    void continueAfter(uint64_t serialNo) { serialNo_ = serialNo; }
+    void send(const AccessEvent& event, uint64_t serialNo);
     void send(const Alarm& alarm);
     void sendHeartbeat();
     void sendRaw(std::string bytes);
@@ -46,7 +52,9 @@ class AlertStreams {
     };
     using MakePart = std::function<Message(const Sender&)>;
 
-    Sender senderTo(const Subscriber& subscriber) const;
+    Sender senderTo(const Subscriber& subscriber) const {
+        return sender(subscriber.ipAddress, subscriber.port);
+    }
     void broadcast(const MakePart& make);           // with mutex_ locked
     void push(Outlets::Id id, const Chunk& chunk);  // with mutex_ locked
     void onClosed(Outlets::Id id);
@@ -58,7 +66,7 @@ class AlertStreams {
     mutable std::mutex mutex_;
     mutable std::condition_variable changed_;
     std::map<Outlets::Id, Subscriber> subscribers_;  // guarded by mutex_
-    uint64_t serialNo_ = 0;                          // guarded by mutex_
+    std::atomic<uint64_t> serialNo_ = 0;             // the last one given
     uint64_t lost_ = 0;                              // guarded by mutex_
 };
 

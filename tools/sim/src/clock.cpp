@@ -40,7 +40,7 @@ std::string Clock::localTime() const {
     return text.data();
 }
 
-bool Clock::setLocal(const std::string& text) {
+std::optional<sys_seconds> Clock::instantOf(std::string_view text) const {
     Scanner scanner(text);
     const std::chrono::year year(scanner.number(4, 4));
     scanner.skip("-");
@@ -51,7 +51,7 @@ bool Clock::setLocal(const std::string& text) {
     const seconds time = scanner.time();
 
     const std::chrono::year_month_day date(year, month, day);
-    if (!date.ok() || time >= std::chrono::days(1)) return false;
+    if (!date.ok() || time >= std::chrono::days(1)) return std::nullopt;
     const sys_seconds local = std::chrono::sys_days(date) + time;
     seconds offset{0};
     const bool isEast = scanner.skipIf("+");
@@ -62,9 +62,8 @@ bool Clock::setLocal(const std::string& text) {
     } else if (!scanner.skipIf("Z")) {
         offset = zone_.offsetAt(local - zone_.standard);
     }
-    if (!scanner.isAtEnd()) return false;
-    set(local - offset);
-    return true;
+    if (!scanner.isAtEnd()) return std::nullopt;
+    return local - offset;
 }
 
 }  // namespace veltasim

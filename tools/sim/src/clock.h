@@ -1,7 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "zone.h"
 
@@ -15,9 +17,10 @@ class Clock {
 
     // The time in the device's zone: 2024-05-17T08:30:00+02:00.
     std::string localTime() const;
-    // Takes such a text; without an offset it is in the device's zone. False: it is no time, and nothing has
-    // changed.
-    bool setLocal(const std::string& text);
+    // The instant that such a text means; without an offset it is in the device's zone. Nothing: it is no time.
+    std::optional<std::chrono::sys_seconds> instantOf(std::string_view text) const;
+    // What the device's zone adds to UTC at that instant.
+    std::chrono::seconds offsetAt(std::chrono::sys_seconds time) const { return zone_.offsetAt(time); }
 
     const std::string& zone() const { return zoneText_; }
     void setZone(std::string text);  // any text is kept

@@ -9,6 +9,8 @@
 namespace veltasim {
 namespace {
 
+constexpr const char* kPartEnd = "\r\n";
+
 const std::string& orNow(const std::string& dateTime, const Sender& sender) {
     return dateTime.empty() ? sender.dateTime : dateTime;
 }
@@ -18,7 +20,7 @@ std::string partHead(const char* contentType) {
 }
 
 Message jsonPart(const JsonText& json, const std::string& picture) {
-    Message part{partHead(kJsonType), json.text(), "\r\n"};
+    Message part{partHead(kJsonType), json.text(), kPartEnd};
     if (picture.empty()) return part;
     part.tail += "--" + kBoundary +
                  "\r\nContent-Disposition: form-data; name=\"Picture\"; filename=\"Picture.jpg\"\r\n"
@@ -91,6 +93,10 @@ Message alarmPart(const Alarm& alarm, const Sender& sender) {
     return jsonPart(json, alarm.picture);
 }
 
+bool hasPicture(const Message& event) {
+    return event.tail != kPartEnd;
+}
+
 Message heartbeatPart(const Sender& sender) {
     pugi::xml_document document;
     pugi::xml_node root = addRoot(document, "EventNotificationAlert");
@@ -104,11 +110,11 @@ Message heartbeatPart(const Sender& sender) {
     addText(root, "eventType", "videoloss");
     addText(root, "eventState", "inactive");
     addText(root, "eventDescription", "videoloss alarm");
-    return {partHead(kXmlType), toText(document), "\r\n"};
+    return {partHead(kXmlType), toText(document), kPartEnd};
 }
 
 Message tooManyStreamsPart() {
-    return {partHead(kJsonType), statusJson(kTooManyStreams), "\r\n"};
+    return {partHead(kJsonType), statusJson(kTooManyStreams), kPartEnd};
 }
 
 }  // namespace veltasim

@@ -27,6 +27,7 @@ void requireJson(const MoreMembers& members);
 // Parts of the stream. Further members must be JSON.
 Message accessEventPart(const AccessEvent& event, uint64_t serialNo, const Sender& sender);
 Message alarmPart(const Alarm& alarm, const Sender& sender);
+bool hasPicture(const Message& event);  // one of the two above
 Message heartbeatPart(const Sender& sender);
 // Tells a subscriber that there are too many.
 Message tooManyStreamsPart();

@@ -9,6 +9,7 @@
 
 #include <veltasim/options.h>
 
+#include "access/access.h"
 #include "clock.h"
 #include "reply.h"
 
@@ -34,6 +35,8 @@ struct DeviceInfo {
 
 // All that the device remembers. Its resources read and change it.
 struct State {
+    explicit State(const Options& options);
+
     DeviceInfo deviceInfo;
     Inventory inventory;
     std::vector<bool> outputIsHigh;  // the first one is number 1
@@ -41,6 +44,7 @@ struct State {
     Clock clock;
     std::vector<pugi::xml_document> networkInterfaces;              // the first one is number 1
     std::map<std::pair<std::string, std::string>, Reply> scripted;  // by method and path
+    Access access;
 };
 
 }  // namespace veltasim

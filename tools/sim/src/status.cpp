@@ -17,13 +17,43 @@ struct Group {
 
 constexpr std::array kGroups{
     Group{"Unknown Status", "unknown", 400},       Group{"OK", "ok", 200},
-    Group{"Device Busy", "deviceBusy", 503},       Group{"Device Error", "deviceError", 503},
+    Group{"Device Busy", "deviceBusy", 503},       Group{"Device Error", "deviceError", 403},
     Group{"Invalid Operation", "notSupport", 403}, Group{"Invalid Format", "badXmlFormat", 400},
-    Group{"Content Error", "badXmlContent", 400},  Group{"Reboot Required", "rebootRequired", 403},
+    Group{"Content Error", "badXmlContent", 400},  Group{"Reboot Required", "rebootRequired", 200},
 };
 
 // Those whose subStatusCode is not that of their group.
-constexpr std::array kSpecial{badParameter("badParameters"), kBadIpv4Address, kTooManyStreams};
+constexpr std::array kSpecial{
+    badParameter("badParameters"),
+    kInternalError,
+    kBadJsonFormat,
+    kBadIpv4Address,
+    kBadJsonContent,
+    kFaceLibraryIdError,
+    kPicFormatError,
+    kTimeFormatError,
+    kCardNoNotExist,
+    kDeviceCardFull,
+    kDeleteNoExistFace,
+    kTooManyStreams,
+    kErrorFingerId,
+    kErrorFingerPrintType,
+    kEmployeeNoNotExist,
+    kEmployeeNoAlreadyExist,
+    kCardNoAlreadyExist,
+    kFingerPrintDataLenZero,
+    kIllegalCardReaderNo,
+    kCardReaderOffline,
+    kPictureNotExist,
+    kFingerprintFull,
+    kEndBeforeBegin,
+    kFingerPrintIdAlreadyExist,
+    kDeviceUserFull,
+    kDeviceFaceFull,
+    kAlreadyHasFace,
+    kCardFullPerUser,
+    kFingerprintFullPerUser,
+};
 
 const Group& groupOf(Status::Code code) {
     const auto index = static_cast<size_t>(code);
@@ -64,14 +94,17 @@ Reply statusReply(const std::string& target, int httpStatus, const Status& statu
     return {httpStatus, kXmlType, statusXml(target, status)};
 }
 
+Reply statusReply(const std::string& target, const Status& status) {
+    return statusReply(target, groupOf(status.code).httpStatus, status);
+}
+
 Reply statusReply(const std::string& target, uint32_t errorCode) {
     const auto code = static_cast<Status::Code>(errorCode >> 28U);
-    const Group& group = groupOf(code);
     const auto* special = std::find_if(kSpecial.begin(), kSpecial.end(), [errorCode](const Status& status) {
         return status.errorCode == errorCode;
     });
-    const char* subStatus = special == kSpecial.end() ? group.subStatus : special->subStatus;
-    return statusReply(target, group.httpStatus, {code, subStatus, errorCode, subStatus});
+    const char* subStatus = special == kSpecial.end() ? groupOf(code).subStatus : special->subStatus;
+    return statusReply(target, {code, subStatus, errorCode, subStatus});
 }
 
 }  // namespace veltasim

@@ -1,6 +1,7 @@
 // An HTTP interface for programs that want to steer simulated devices from outside; loopback only, no log-in.
 //
-//     GET    /control/devices            all devices: url, streams, power, lock, clock, outputs that are high
+//     GET    /control/devices            all devices: url, streams, power, lock, clock, outputs that are high, doors
+//                                        that are open
 //     GET    /control/requests?device=0  the recorded requests; &after=N: those with a greater number
 //     DELETE /control/requests           forgets them
 //     GET    /control/faults             the faults in force
@@ -8,6 +9,9 @@
 //     DELETE /control/faults             ends all faults
 //     POST   /control/event              {"doorNo":2,"name":"...","picture":"small|medium|large","count":5}:
 //                                        all members as in AccessEvent; with "eventType" an Alarm
+//     POST   /control/card               {"cardNo":"0123456789","reader":1}: somebody holds a card to a reader; the
+//                                        answer says "granted" and the "outcome"; reader 1 if it is missing
+//     POST   /control/face               {"employeeNo":"1001","reader":1}: somebody shows a face
 //     POST   /control/power              {"on":false,"seconds":5}; without "seconds" until it is switched on
 //     POST   /control/streams            {"end":"at-once"} or {"end":"after-queue"}
 //     POST   /control/lock               {"seconds":60}; 0 unlocks
@@ -17,8 +21,8 @@
 //                                        from now on; all but the path may be missing
 //     DELETE /control/answers            ends all scripted answers
 //
-// Requests may name one device by its index, in the query ("?device=1"). Without it GET means device 0 and
-// the others mean all. Errors are answered 4xx with {"error":"..."}.
+// Requests may name one device by its index, in the query ("?device=1"). Without it GET, card
+// and face mean device 0 and the others mean all. Errors are answered 4xx with {"error":"..."}.
 #pragma once
 
 #include <cstdint>

@@ -25,6 +25,7 @@
 #include <veltasim/event.h>
 #include <veltasim/fault.h>
 #include <veltasim/options.h>
+#include <veltasim/passage.h>
 #include <veltasim/request.h>
 
 namespace veltasim {
@@ -56,8 +57,8 @@ class Device {
     bool isOn() const;
 
     // -- alert streams --
-    // Queues the event for every present subscriber and returns its serial number, which is counted up
-    // whether or not anybody listens. Never waits for a subscriber.
+    // Writes the event to the log, queues it for every present subscriber and returns its serial number, which
+    // is counted up whether or not anybody listens. Never waits for a subscriber.
     uint64_t sendAccessEvent(const AccessEvent& event = {});
     void sendAlarm(const Alarm& alarm = {});
     void sendHeartbeat();
@@ -74,6 +75,13 @@ class Device {
     bool waitForDrained(std::chrono::milliseconds timeout) const;
     uint64_t lostEvents() const;  // events that a full queue refused, summed over subscribers
 
+    // -- doors --
+    // Somebody holds a card to a reader, or shows a face to it. The device judges, opens the door or not, and
+    // reports the event. Throws std::invalid_argument if there is no such reader or the power is off.
+    Passage presentCard(const std::string& cardNo, unsigned reader = 1);
+    Passage presentFace(const std::string& employeeNo, unsigned reader = 1);
+    bool doorIsOpen(unsigned door) const;  // false also if there is no such door
+
     // -- faults --
     void setFault(const Fault& fault);  // in addition to those set; the oldest that fits a request strikes
     void clearFaults();                 // also cuts the connections that hang
@@ -89,6 +97,12 @@ class Device {
                                                 std::chrono::milliseconds timeout) const;
 
     // -- state --
+    // What the device remembers of persons, cards, faces, fingers, doors, readers, schedules, event hosts and the
+    // event log, with its name and zone, as JSON text; pictures are base64 in it.
+    std::string saveState() const;
+    // Replaces all that by such a text. Throws std::runtime_error that says where the text is wrong, and then
+    // nothing has changed.
+    void loadState(const std::string& json);
     std::string deviceName() const;
     void lockUser(std::chrono::seconds duration);  // as too many failed log-ins do
     void unlockUser();                             // also forgets failed log-ins

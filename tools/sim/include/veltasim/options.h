@@ -38,12 +38,30 @@ struct Inventory {
     std::optional<unsigned> networkInterfaces = 1;
 };
 
+// How much an access controller can hold.
+struct Capacity {
+    unsigned persons = 10000;
+    unsigned cards = 20000;
+    unsigned faces = 10000;  // over all libraries
+    unsigned fingerprints = 20000;
+    unsigned cardsPerPerson = 5;
+    unsigned fingerprintsPerPerson = 10;
+    unsigned events = 10000;  // in the log; the oldest are forgotten
+    unsigned eventHosts = 4;
+};
+
 struct Options {
     std::string bindAddress = "127.0.0.1";  // an IPv4 address
     uint16_t port = 0;                      // 0: the system picks a free one
     Identity identity = {};
     Inventory inventory = {};
     std::chrono::milliseconds rebootTime{10000};  // how long a device that reboots is away
+
+    unsigned doors = 2;                    // each with one reader of the same number
+    std::chrono::seconds doorOpenTime{5};  // how long a door stays open, by the device's clock
+    std::chrono::milliseconds backgroundTime{
+        200};  // how long the device works on a deletion or a fingerprint
+    Capacity capacity = {};
 
     // With digest the device accepts the newest nonce only. A client that comes with an older one is told
     // that it is stale (401, never counted as a failure) and tries again, so that a record may hold more 401s

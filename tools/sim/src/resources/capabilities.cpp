@@ -1,16 +1,96 @@
-#include "json_text.h"
-#include "resources/resource.h"
+#include "access/person_rules.h"
+#include "json_values.h"
+#include "resources/access.h"
 
 namespace veltasim {
+namespace {
+
+Json::Value range(int min, unsigned max) {
+    Json::Value json;
+    json["@min"] = min;
+    json["@max"] = max;
+    return json;
+}
+
+Json::Value choice(const std::string& values) {
+    Json::Value json;
+    json["@opt"] = values;
+    return json;
+}
+
+}  // namespace
 
 Reply getAccessControlCapabilities(const Call&) {
-    JsonText functions;  // each becomes true with the resource that it speaks of
-    functions.set("isSupportUserInfo", "false")
-        .set("isSupportCardInfo", "false")
-        .set("isSupportFaceRecognizeMode", "false")
-        .set("isSupportRemoteControlDoor", "false")
-        .set("isSupportAcsEvent", "false");
-    return {200, kJsonType, JsonText().add("AccessControl", functions).text()};
+    Json::Value answer;
+    for (const char* name :
+         {"isSupportUserInfo", "isSupportUserInfoDetailDelete", "isSupportCardInfo", "isSupportFDLib",
+          "isSupportFingerPrintCfg", "isSupportFingerPrintDelete", "isSupportCaptureFingerPrint",
+          "isSupportCardReaderCfg", "isSupportUserRightWeekPlanCfg", "isSupportUserRightHolidayPlanCfg",
+          "isSupportUserRightHolidayGroupCfg", "isSupportUserRightPlanTemplate", "isSupportFaceRecognizeMode",
+          "isSupportRemoteControlDoor", "isSupportDoorParam", "isSupportAcsWorkStatus", "isSupportAcsEvent",
+          "isSupportHttpHosts"})
+        answer["AccessControl"][name] = true;
+    return jsonReply(answer);
+}
+
+Reply getPersonCapabilities(const Call& call) {
+    Json::Value answer;
+    Json::Value& person = answer["UserInfo"];
+    person["maxRecordNum"] = call.state.access.capacity.persons;
+    person["employeeNo"] = range(1, 32);
+    person["name"] = range(0, 128);
+    person["userType"] = choice(kUserTypes);
+    person["Valid"]["enable"] = choice("true,false");
+    person["Valid"]["timeType"] = choice("local,UTC");
+    person["doorRight"] = range(1, static_cast<unsigned>(call.state.access.doors.size()));
+    person["maxCardNum"] = call.state.access.capacity.cardsPerPerson;
+    return jsonReply(answer);
+}
+
+Reply getCardCapabilities(const Call& call) {
+    Json::Value answer;
+    Json::Value& card = answer["CardInfo"];
+    card["maxRecordNum"] = call.state.access.capacity.cards;
+    card["cardNo"] = range(1, 32);
+    card["employeeNo"] = range(1, 32);
+    card["cardType"] = choice(kCardTypes);
+    return jsonReply(answer);
+}
+
+Reply getFaceCapabilities(const Call& call) {
+    std::string types;
+    for (const FaceLibrary& library : call.state.access.faces.libraries())
+        types.append(types.empty() ? "" : ",").append(library.type);
+    Json::Value answer = okJson();
+    answer["FDRecordDataMaxNum"] = call.state.access.capacity.faces;
+    answer["faceLibType"] = choice(types);
+    return jsonReply(answer);
+}
+
+Reply getFaceRecognizeModeCapabilities(const Call&) {
+    Json::Value answer;
+    answer["FaceRecognizeMode"]["mode"] = choice("normalMode,deepMode");
+    return jsonReply(answer);
+}
+
+Reply getFingerprintCapabilities(const Call& call) {
+    const Access& access = call.state.access;
+    Json::Value answer;
+    Json::Value& finger = answer["FingerPrintCfg"];
+    finger["maxRecordNum"] = access.capacity.fingerprints;
+    finger["employeeNo"] = range(1, 32);
+    finger["fingerPrintID"] = range(1, 10);
+    finger["fingerType"] = choice(kFingerTypes);
+    finger["enableCardReader"] = range(1, static_cast<unsigned>(access.readers.size()));
+    return jsonReply(answer);
+}
+
+Reply getFingerprintDeleteCapabilities(const Call& call) {
+    Json::Value answer;
+    Json::Value& deletion = answer["FingerPrintDelete"];
+    deletion["mode"] = choice("byEmployeeNo,byCardReader");
+    deletion["cardReaderNo"] = range(1, static_cast<unsigned>(call.state.access.readers.size()));
+    return jsonReply(answer);
 }
 
 }  // namespace veltasim

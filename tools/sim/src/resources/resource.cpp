@@ -13,7 +13,7 @@ Reply notFound(const Call& call) {
 }
 
 Reply refused(const Call& call, const Status& why) {
-    return statusReply(call.request.target, 400, why);
+    return statusReply(call.request.target, why);
 }
 
 std::optional<Reply> readDocument(const Call& call, const char* root, pugi::xml_document& document) {

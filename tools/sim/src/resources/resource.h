@@ -1,8 +1,9 @@
-// A resource of the device: one file each, all of them listed in table.cpp.
+// A resource of the device: one file each, all of them listed in table.cpp and access_table.cpp.
 #pragma once
 
 #include <optional>
 #include <pugixml.hpp>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +22,7 @@ struct Call {
     State& state;
 };
 
-// Called with the state locked.
+// Called with the state locked. May throw Refused; JSON of the wrong type is refused too.
 using Handler = Reply (*)(const Call&);
 
 struct Resource {
@@ -37,6 +38,7 @@ struct Route {
 };
 
 Route findResource(std::string_view method, std::string_view path);
+std::span<const Resource> accessResources();  // those of the access controller
 
 Reply done(const Call& call);
 Reply notFound(const Call& call);
@@ -67,6 +69,5 @@ Reply getNetworkInterface(const Call& call);
 Reply putNetworkInterface(const Call& call);
 Reply getIpAddress(const Call& call);
 Reply putIpAddress(const Call& call);
-Reply getAccessControlCapabilities(const Call& call);
 
 }  // namespace veltasim

@@ -28,7 +28,6 @@ constexpr std::array kResources{
     Resource{"GET", "/VELTA/ContentMgmt/InputProxy/channels", getProxyChannels},
     Resource{"GET", "/VELTA/ContentMgmt/InputProxy/channels/status", getProxyStatus},
     Resource{"GET", "/VELTA/Event/notification/alertStream", nullptr},
-    Resource{"GET", "/VELTA/AccessControl/capabilities", getAccessControlCapabilities},
 };
 
 std::string_view cutSegment(std::string_view& path) {
@@ -54,14 +53,17 @@ bool matches(std::string_view pattern, std::string_view path, std::vector<std::s
 
 Route findResource(std::string_view method, std::string_view path) {
     Route route;
-    for (const Resource& resource : kResources) {
-        std::vector<std::string> variables;
-        if (!matches(resource.path, path, variables)) continue;
-        route.pathKnown = true;
-        if (resource.method != method) continue;
-        route.resource = &resource;
-        route.variables = std::move(variables);
-        break;
+    for (const std::span<const Resource> resources :
+         {std::span<const Resource>(kResources), accessResources()}) {
+        for (const Resource& resource : resources) {
+            std::vector<std::string> variables;
+            if (!matches(resource.path, path, variables)) continue;
+            route.pathKnown = true;
+            if (resource.method != method) continue;
+            route.resource = &resource;
+            route.variables = std::move(variables);
+            return route;
+        }
     }
     return route;
 }

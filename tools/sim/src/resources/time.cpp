@@ -31,7 +31,11 @@ Reply putTime(const Call& call) {
             return refused(call, badParameter("timeZone"));
         changed.setZone(zone.text().get());
     }
-    if (time && !changed.setLocal(time.text().get())) return refused(call, badParameter("localTime"));
+    if (time) {
+        const auto instant = changed.instantOf(time.text().get());
+        if (!instant) return refused(call, badParameter("localTime"));
+        changed.set(*instant);
+    }
     call.state.clock = std::move(changed);
     return done(call);
 }
