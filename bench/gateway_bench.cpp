@@ -8,7 +8,8 @@ namespace {
 
 void routeMiss(benchmark::State& state) {
     CVeltaDevice device;
-    const velta::HostRequest request{"GET", "/VELTA/System/Video/inputs/channels/1?devIndex=1&format=json", {}};
+    const velta::HostRequest request{
+        "GET", "/VELTA/System/Video/inputs/channels/1?devIndex=1&format=json", {}};
     std::string answer;
     for (auto _ : state) {
         auto code = device.DealwithCommOpt(request, answer);

@@ -11,6 +11,7 @@ velta_test(access_tests
   SOURCES system/access_biometrics_test.cpp system/access_persons_test.cpp system/access_site_test.cpp
   LIBRARIES system_support)
 velta_test(gateway_system_tests SOURCES system/gateway_test.cpp LIBRARIES system_support)
+velta_test(site_tests SOURCES system/site_test.cpp LIBRARIES system_support)
 
 # One process, so that all sessions wait for the same online checks.
 add_executable(session_tests system/session_test.cpp)
@@ -22,3 +23,6 @@ set_tests_properties(sessions PROPERTIES TIMEOUT 600)
 # The names that the library shows, compared with the list it is linked with.
 add_test(NAME exports COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/system/check_exports.sh
   $<TARGET_FILE:veltadev> ${CMAKE_SOURCE_DIR}/src/exports.map)
+
+add_test(NAME hardening COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/system/check_hardening.sh
+  $<IF:$<CONFIG:Release>,yes,no> $<TARGET_FILE:veltadev> $<TARGET_FILE:velta-host> $<TARGET_FILE:velta-sim>)

@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr long kMostRepetitions = 10;  // redirects and log-ins: a device must not send the thread in circles
 constexpr const char* kAlertStreamPath = "/VELTA/Event/notification/alertStream";
 constexpr std::string_view kHeartbeat = "videoloss";
 constexpr std::string_view kStreamsExhausted = "deployExceedMax";
@@ -56,6 +57,8 @@ void CVeltaDevice::getAlertStream() {
     curl_easy_setopt(handle, CURLOPT_TCP_KEEPIDLE, 120L);
     curl_easy_setopt(handle, CURLOPT_TCP_KEEPINTVL, 20L);
     curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http");
+    curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, "http");
+    curl_easy_setopt(handle, CURLOPT_MAXREDIRS, kMostRepetitions);
     curl_easy_setopt(handle, CURLOPT_PROXY,
                      "");  // configuration comes from the host, not from the environment
     curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);  // disarming does not wait for a name server

@@ -260,4 +260,34 @@ TEST_F(AccessTest, tellsTheLimitsOfACapture) {
     EXPECT_THAT(sent(), ElementsAre("GET " + kCapture + "/capabilities "));
 }
 
+TEST_F(AccessTest, logsNeitherPasswordsNorPeople) {
+    using SetLevel = void (*)(int level);
+    using Sink = void (*)(int level, const char* module, const char* line, void* user);
+    using SetSink = void (*)(Sink sink, void* user);
+    const auto setLevel = reinterpret_cast<SetLevel>(library.symbol("xlog_set_level"));
+    const auto setSink = reinterpret_cast<SetSink>(library.symbol("xlog_set_sink"));
+    std::string log;
+    setSink([](int, const char*, const char* line, void* user) { *static_cast<std::string*>(user) += line; },
+            &log);
+    setLevel(0);
+
+    session = std::make_unique<Session>(library);
+    ASSERT_EQ(session->connectTo(device.port(), "admin", "S3cret-password"), 0U);
+    script("GET", kLibraries, R"({"statusCode":1})");
+    for (const int httpStatus : {200, 500}) {
+        script("POST", kFace, R"({"statusCode":4})", httpStatus);
+        script("POST", kDownload, R"({"statusCode":4})", httpStatus);
+        ask("POST", kFace, R"({"FaceInfo":{"employeeNo":"1","hexImg":"464143454441"}})");
+        ask("POST", kDownload,
+            R"({"FingerPrintCfg":{"employeeNo":"1","fingerPrintID":1,"fingerData":"VEVNUA=="}})");
+        ask("POST", kDownload, R"({"FingerPrintCfg":{"fingerData":"VEVNUA=="}})");
+    }
+    session->destroy();
+    setLevel(5);
+    setSink(nullptr, nullptr);
+    EXPECT_THAT(log, HasSubstr(kDownload));
+    for (const char* secret : {"S3cret", "464143454441", "FACEDA", "VEVNUA"})
+        EXPECT_THAT(log, testing::Not(HasSubstr(secret)));
+}
+
 }  // namespace
