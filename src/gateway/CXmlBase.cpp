@@ -27,7 +27,11 @@ TiXmlElement* firstNamed(TiXmlElement* element, const char* name) {
 const char* CXmlBase::Parse(const char* text) {
     document_.Clear();
     if (text == nullptr || !velta::isXmlShapeAllowed(text)) return nullptr;
-    document_.Parse(text);  // whose own result is null at the end of the text, too
+    // A character that is cut off at the end of the text makes the parser step over that end, by up to the
+    // length of a character.
+    std::string padded(text);
+    padded.append(4, '\0');
+    document_.Parse(padded.c_str());  // whose own result is null at the end of the text, too
     return document_.Error() ? nullptr : text;
 }
 

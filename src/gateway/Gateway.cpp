@@ -21,6 +21,11 @@ constexpr const char* kHostParameter = "devIndex";
 
 constexpr const char* kTriggerPattern = "/VELTA/System/IO/outputs/%d/trigger";
 
+/* The status of 0x6000003F, which must not need memory. */
+constexpr char kNoMemory[] = R"({"errorCode":1610612799,"errorMsg":"No memory is requested.","statusCode":6,)"
+                             R"("statusString":"Content Error","subStatusCode":"requestMemoryNULL"})"
+                             "\n";
+
 std::string_view trimBlanks(std::string_view text) {
     const size_t first = text.find_first_not_of(' ');
     if (first == std::string_view::npos) return {};
@@ -47,18 +52,22 @@ bool readEnvelope(std::string_view text, velta::HostRequest& request) {
 int CVeltaDevice::VELTA_Getway(char* request, char* response, unsigned int responseSize, tagVELTA_INFO*) {
     const CallGuard call(*this);
     std::string answer;
-    uint32_t code = VELTA_E_BAD_PARAMETER;
+    const char* text = kNoMemory;
+    size_t length = sizeof kNoMemory - 1;
     try {
+        uint32_t code = VELTA_E_BAD_PARAMETER;
         if (request == nullptr) {
             xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] param null", __func__, __LINE__);
         } else {
             code = dispatch(request, answer);
         }
         if (answer.empty()) answer = velta::writeJson(velta::hostStatus(code == 0 ? velta::kSuccess : code));
+        text = answer.c_str();
+        length = answer.size();
     } catch (const std::exception& error) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] %s", __func__, __LINE__, error.what());
     }
-    XPR_Strncpy(response, responseSize, answer.c_str(), answer.size());
+    XPR_Strncpy(response, responseSize, text, length);
     return VELTA_OK;
 }
 

@@ -130,4 +130,11 @@ TEST_F(XmlTest, survivesAFile) {
     EXPECT_FALSE(loaded.LoadFile(path.c_str()));
 }
 
+// A character that is cut off must not carry the parser over the end of the text, to whatever stands there.
+TEST(XmlBase, endsWhereTheTextEnds) {
+    const char document[] = "<?xml version='1.0' encoding='UTF-8'?><a b=\"\xe4\0?\"/>";
+    CXmlBase xml;
+    EXPECT_EQ(xml.Parse(document), nullptr);
+}
+
 }  // namespace
