@@ -14,9 +14,9 @@ std::string eventWithPicture(size_t size) {
     for (char& byte : picture)
         byte = static_cast<char>(random());
     const std::string json = R"({"ipAddress":"10.0.0.5","AccessControllerEvent":{"picturesNumber":1}})";
-    return "--MIME_boundary\r\nContent-Type: application/json\r\nContent-Length: " +
+    return "--velta_events\r\nContent-Type: application/json\r\nContent-Length: " +
            std::to_string(json.size()) + "\r\n\r\n" + json +
-           "\r\n--MIME_boundary\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(size) +
+           "\r\n--velta_events\r\nContent-Type: image/jpeg\r\nContent-Length: " + std::to_string(size) +
            "\r\n\r\n" + picture;
 }
 
@@ -29,7 +29,7 @@ void parsePictures(benchmark::State& state) {
         ++messages;
     });
     for (const char* line :
-         {"HTTP/1.1 200 OK\r\n", "Content-Type: multipart/mixed; boundary=MIME_boundary\r\n", "\r\n"}) {
+         {"HTTP/1.1 200 OK\r\n", "Content-Type: multipart/mixed; boundary=velta_events\r\n", "\r\n"}) {
         parser.feed(line);
     }
     for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)

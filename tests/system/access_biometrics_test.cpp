@@ -202,8 +202,8 @@ TEST_F(AccessTest, modifiesReadsBackAndDeletesFingerprints) {
 
     const std::string condition = R"({"FingerPrintCond":{"searchID":"s", "employeeNo":"1"}})";
     judges("POST", kReadBack, condition,
-           {{"{\"FingerPrintInfo\": {\"status\":\"NoFP\"},\n\"statusCode\":6}",
-             "{\"FingerPrintInfo\":{\"status\":\"NoFP\"},\"statusCode\":6}\n"},
+           {{"{\"FingerPrintInfo\": {\"status\":\"NONE\"},\n\"statusCode\":6}",
+             "{\"FingerPrintInfo\":{\"status\":\"NONE\"},\"statusCode\":6}\n"},
             {kOk, kOk},
             {R"({"statusCode":4})", R"({"statusCode":4})"},
             {"", kBadJsonContent}});

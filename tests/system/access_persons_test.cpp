@@ -227,14 +227,14 @@ TEST_F(AccessTest, handsOnWhatHostsKnowOfCards) {
 
 TEST_F(AccessTest, countsAsTheDeviceDoes) {
     const std::string path = "/VELTA/AccessControl/UserInfo/Count";
-    judges(
-        "GET", path, "",
-        {{"{\n \"UserInfoCount\": {\n  \"userNumber\": 3 }\n}", "{\"UserInfoCount\":{\"userNumber\":3}}\n"},
-         {R"({"statusCode":1,"n":1.5})", "{\"n\":1.5,\"statusCode\":1}\n"},
-         {R"({"statusCode":"x"})", "{\"statusCode\":\"x\"}\n"},
-         {R"({"statusCode":4,"errorCode":1073741825})", R"({"statusCode":4,"errorCode":1073741825})"},
-         {" {}", " {}"},
-         {"", kBadParameter}});
+    judges("GET", path, "",
+           {{"{\n \"UserInfoCount\": {\n  \"personNumber\": 3 }\n}",
+             "{\"UserInfoCount\":{\"personNumber\":3}}\n"},
+            {R"({"statusCode":1,"n":1.5})", "{\"n\":1.5,\"statusCode\":1}\n"},
+            {R"({"statusCode":"x"})", "{\"statusCode\":\"x\"}\n"},
+            {R"({"statusCode":4,"errorCode":1073741825})", R"({"statusCode":4,"errorCode":1073741825})"},
+            {" {}", " {}"},
+            {"", kBadParameter}});
     EXPECT_THAT(sent(), ElementsAre("GET " + path + "?format=json "));
 }
 
@@ -284,12 +284,12 @@ TEST_F(AccessTest, searchesTheLogInTheDevicesWords) {
     script("POST", kEvents, answer);
     EXPECT_EQ(
         ask("POST", kEvents,
-            R"({"own":1,"AcsEventCond":{"searchID":"s","searchResultPosition":0,"maxResults":9,"minor":75}})"),
+            R"({"own":1,"AcsEventCond":{"searchID":"s","searchResultPosition":0,"maxResults":9,"minor":9}})"),
         answer + "\n");
     EXPECT_THAT(
         sent(),
         ElementsAre(HasSubstr(
-            R"({"AcsEventCond":{"major":0,"maxResults":9,"minor":75,"searchID":"s","searchResultPosition":0},"own":1})")));
+            R"({"AcsEventCond":{"major":0,"maxResults":9,"minor":9,"searchID":"s","searchResultPosition":0},"own":1})")));
 }
 
 TEST_F(AccessTest, writesOneAfterTheOther) {

@@ -165,7 +165,7 @@ TEST_F(Sessions, outliveAnUnreadablePart) {
     Session& session = site->door->session;
     session.forgetEvents();
     site->door->device.sendRaw(
-        "--MIME_boundary\r\nContent-Type: application/json\r\nContent-Length: 9\r\n\r\n{\"a\": oops\r\n");
+        "--velta_events\r\nContent-Type: application/json\r\nContent-Length: 9\r\n\r\n{\"a\": oops\r\n");
     site->door->device.sendAccessEvent({.picture = smallPicture()});
     ASSERT_TRUE(session.waitForEvents(1));
     EXPECT_TRUE(session.events().at(0).jpeg() == smallPicture());

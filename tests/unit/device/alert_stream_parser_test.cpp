@@ -85,12 +85,12 @@ class PlainParser {
 
 const char* const kHeaderLines[] = {
     "HTTP/1.1 200 OK\r\n",
-    "Content-Type: multipart/mixed; boundary=MIME_boundary\r\n",
+    "Content-Type: multipart/mixed; boundary=velta_events\r\n",
     "\r\n",
 };
 
 std::string part(const std::string& headers, const std::string& body) {
-    return "--MIME_boundary\r\n" + headers + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
+    return "--velta_events\r\n" + headers + "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" +
            body + "\r\n";
 }
 std::string jsonPart(const std::string& json) {
@@ -190,13 +190,13 @@ TEST_F(AlertStreamParserTest, firstEventAfterTheResponseHeadersIsComplete) {
     connect();
     parser.feed(jsonPart(kPictureEvent) + jpegPart("\xff\xd8 picture \xff\xd9"));
     ASSERT_EQ(messages.size(), 1U);
-    EXPECT_THAT(messages[0], testing::StartsWith(kPictureEvent + "\r\n--MIME_boundary\r\n"));
+    EXPECT_THAT(messages[0], testing::StartsWith(kPictureEvent + "\r\n--velta_events\r\n"));
     EXPECT_THAT(messages[0], testing::HasSubstr("\xff\xd8 picture \xff\xd9"));
 }
 
 TEST_F(AlertStreamParserTest, alarmBecomesCompactJson) {
     connect();
-    EXPECT_EQ(parser.getBoundary(), "--MIME_boundary");
+    EXPECT_EQ(parser.getBoundary(), "--velta_events");
     parser.feed(jsonPart("{\r\n\t\"ipAddress\" : \"10.0.0.5\"\r\n}"));
     EXPECT_THAT(messages, ElementsAre(kAlarm + "\n\r\n"));
     EXPECT_EQ(parser.buffered(), 0U);
@@ -255,7 +255,7 @@ TEST_F(AlertStreamParserTest, unreadablePartWaitsForItsAnnouncedLength) {
 
 TEST_F(AlertStreamParserTest, endlessPartIsBounded) {
     connect();
-    parser.feed("--MIME_boundary\r\nContent-Type: application/json\r\n\r\n{\"a\":\"");
+    parser.feed("--velta_events\r\nContent-Type: application/json\r\n\r\n{\"a\":\"");
     const std::string chunk(1 << 20, 'x');
     size_t most = 0;
     for (int i = 0; i < 70; ++i) {

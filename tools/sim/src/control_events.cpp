@@ -38,15 +38,15 @@ void assignPicture(Event& event, const Json::Value& value) {
 }
 
 constexpr std::array kAccessFields{
-    Field<AccessEvent>{"majorEventType", assign<AccessEvent, &AccessEvent::majorEventType>},
-    Field<AccessEvent>{"subEventType", assign<AccessEvent, &AccessEvent::subEventType>},
+    Field<AccessEvent>{"major", assign<AccessEvent, &AccessEvent::major>},
+    Field<AccessEvent>{"minor", assign<AccessEvent, &AccessEvent::minor>},
     Field<AccessEvent>{"name", assign<AccessEvent, &AccessEvent::name>},
     Field<AccessEvent>{"employeeNo", assign<AccessEvent, &AccessEvent::employeeNo>},
     Field<AccessEvent>{"cardNo", assign<AccessEvent, &AccessEvent::cardNo>},
     Field<AccessEvent>{"cardReaderNo", assign<AccessEvent, &AccessEvent::cardReaderNo>},
     Field<AccessEvent>{"doorNo", assign<AccessEvent, &AccessEvent::doorNo>},
-    Field<AccessEvent>{"currentVerifyMode", assign<AccessEvent, &AccessEvent::currentVerifyMode>},
-    Field<AccessEvent>{"attendanceStatus", assign<AccessEvent, &AccessEvent::attendanceStatus>},
+    Field<AccessEvent>{"verifyMode", assign<AccessEvent, &AccessEvent::verifyMode>},
+    Field<AccessEvent>{"attendance", assign<AccessEvent, &AccessEvent::attendance>},
     Field<AccessEvent>{"dateTime", assign<AccessEvent, &AccessEvent::dateTime>},
     Field<AccessEvent>{"moreMembers", assign<AccessEvent, &AccessEvent::moreMembers>},
     Field<AccessEvent>{"picture", assignPicture<AccessEvent>},

@@ -33,7 +33,7 @@ uint64_t Device::Impl::report(const AccessEvent& event) {
     const uint64_t serialNo = streams.nextSerialNo();
     withState([&](State& state) { state.access.log.add(logged(event, serialNo, state.clock)); });
     streams.send(event, serialNo);
-    postToHosts([&](const EventHost& host) { return host.takesAccessEvent(event.subEventType); },
+    postToHosts([&](const EventHost& host) { return host.takesAccessEvent(event.minor); },
                 [&](const Sender& sender) { return accessEventPart(event, serialNo, sender); });
     return serialNo;
 }
@@ -91,12 +91,12 @@ Passage Device::Impl::pass(const Approach& approach) {
         }
         if (passage.isGranted()) access.doors[approach.reader - 1].openFor(state.clock.now());
     });
-    event.majorEventType = kMajorAccess;
-    event.subEventType = static_cast<int>(passage.outcome);
+    event.major = kMajorAccess;
+    event.minor = static_cast<int>(passage.outcome);
     event.employeeNo = passage.employeeNo;
     event.cardNo = approach.cardNo;
     event.cardReaderNo = event.doorNo = static_cast<int>(approach.reader);
-    event.currentVerifyMode = approach.verifyMode;
+    event.verifyMode = approach.verifyMode;
     event.picture = picture(PictureSize::Medium);
     passage.serialNo = report(event);
     return passage;

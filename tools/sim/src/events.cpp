@@ -47,16 +47,16 @@ void requireJson(const MoreMembers& members) {
 Message accessEventPart(const AccessEvent& event, uint64_t serialNo, const Sender& sender) {
     JsonText inner;
     inner.add("deviceName", sender.deviceName)
-        .add("majorEventType", event.majorEventType)
-        .add("subEventType", event.subEventType)
+        .add("major", event.major)
+        .add("minor", event.minor)
         .add("name", event.name)
         .add("cardNo", event.cardNo)
         .add("cardReaderNo", event.cardReaderNo)
         .add("doorNo", event.doorNo)
         .add("employeeNoString", event.employeeNo)
         .add("serialNo", static_cast<int64_t>(serialNo))
-        .add("currentVerifyMode", event.currentVerifyMode)
-        .add("attendanceStatus", event.attendanceStatus);
+        .add("verifyMode", event.verifyMode)
+        .add("attendance", event.attendance);
     if (!event.picture.empty()) inner.add("picturesNumber", 1);
     addMore(inner, event.moreMembers);
 
@@ -99,7 +99,7 @@ bool hasPicture(const Message& event) {
 
 Message heartbeatPart(const Sender& sender) {
     pugi::xml_document document;
-    pugi::xml_node root = addRoot(document, "EventNotificationAlert");
+    pugi::xml_node root = addRoot(document, "EventAlert");
     addText(root, "ipAddress", sender.ipAddress);
     addText(root, "portNo", std::to_string(sender.port));
     addText(root, "protocol", "HTTP");

@@ -19,7 +19,7 @@ struct Sender {
     std::string dateTime;  // now
 };
 
-inline const std::string kBoundary = "MIME_boundary";
+inline const std::string kBoundary = "velta_events";
 
 // Throws std::invalid_argument if a value is not JSON.
 void requireJson(const MoreMembers& members);

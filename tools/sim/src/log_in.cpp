@@ -116,15 +116,15 @@ std::chrono::seconds LogIn::lockLeft() const {
 std::string LogIn::refusalText() const {
     pugi::xml_document document;
     pugi::xml_node root = addRoot(document, "userCheck");
-    addText(root, "statusValue", "401");
+    addText(root, "httpStatus", "401");
     addText(root, "statusString", "Unauthorized");
     const auto left = lockLeft();
     addText(root, "lockStatus", left.count() > 0 ? "lock" : "unlock");
     if (left.count() > 0) {
-        addText(root, "unlockTime", std::to_string(left.count()));
+        addText(root, "lockSeconds", std::to_string(left.count()));
     } else if (options_.maxFailedLogins > 0) {
         const std::lock_guard lock(mutex_);
-        addText(root, "retryLoginTime", std::to_string(options_.maxFailedLogins - failures_));
+        addText(root, "attemptsLeft", std::to_string(options_.maxFailedLogins - failures_));
     }
     return toText(document);
 }

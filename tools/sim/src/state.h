@@ -19,7 +19,7 @@ struct DeviceInfo {
     std::string deviceName;
     std::string deviceId;
     std::string deviceDescription = "Access controller";
-    std::string deviceLocation = "Main entrance";
+    std::string location = "Main entrance";
     std::string systemContact = "Facility management";
     std::string model;
     std::string serialNumber;

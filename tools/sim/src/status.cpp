@@ -67,7 +67,7 @@ const char* textOf(Status::Code code) {
 std::string statusXml(const std::string& target, const Status& status) {
     pugi::xml_document document;
     pugi::xml_node root = addRoot(document, "ResponseStatus");
-    addText(root, "requestURL", target);
+    addText(root, "request", target);
     addText(root, "statusCode", std::to_string(static_cast<int>(status.code)));
     addText(root, "statusString", textOf(status.code));
     addText(root, "subStatusCode", status.subStatus);

@@ -21,15 +21,15 @@ using MoreMembers = std::vector<std::pair<std::string, std::string>>;
 
 // Somebody at a reader: goes out as eventType "AccessControllerEvent".
 struct AccessEvent {
-    int majorEventType = 5;
-    int subEventType = 75;
+    int major = 1;
+    int minor = 9;
     std::string name = "Ada Example";
     std::string employeeNo = "1001";
     std::string cardNo = "0123456789";
     int cardReaderNo = 1;
     int doorNo = 1;
-    std::string currentVerifyMode = "cardOrFace";
-    std::string attendanceStatus = "undefined";
+    std::string verifyMode = "cardOrFace";
+    std::string attendance = "undefined";
     std::string picture = {};      // JPEG (or any) bytes of a following picture part; empty: none
     std::string dateTime = {};     // empty: the device's time now
     MoreMembers moreMembers = {};  // inside "AccessControllerEvent"

@@ -7,7 +7,7 @@
 
 namespace veltasim {
 
-// The numbers are those of "subEventType" in the event, and of "minor" in the log; the major one is kMajorAccess.
+// The numbers are those of "minor" in events and in the log; the major one is kMajorAccess.
 enum class Outcome {
     CardGranted = 1,
     UnknownCard = 2,
@@ -17,10 +17,10 @@ enum class Outcome {
     NoDoorRight = 6,       // the door is not among those of the person
     OutsideSchedule = 7,   // no plan template of the person for this door permits it now
     DoorAlwaysClosed = 8,  // the door was told to stay closed
-    FaceGranted = 75,
-    UnknownFace = 76,  // no such person, or none with a face
+    FaceGranted = 9,
+    UnknownFace = 10,  // no such person, or none with a face
 };
-constexpr int kMajorAccess = 5;
+constexpr int kMajorAccess = 1;
 
 std::string_view nameOf(Outcome outcome);  // "card granted"
 

@@ -19,8 +19,8 @@ struct Wanted {
 
     bool fits(const LoggedEvent& logged) const {
         const AccessEvent& event = logged.event;
-        return (major == 0 || event.majorEventType == static_cast<int>(major)) &&
-               (minor == 0 || event.subEventType == static_cast<int>(minor)) &&
+        return (major == 0 || event.major == static_cast<int>(major)) &&
+               (minor == 0 || event.minor == static_cast<int>(minor)) &&
                (!begin || *begin <= logged.instant) && (!end || logged.instant <= *end) &&
                (cardNo.empty() || event.cardNo == cardNo) && (name.empty() || event.name == name) &&
                (employeeNo.empty() || event.employeeNo == employeeNo);
@@ -39,8 +39,8 @@ std::optional<std::chrono::sys_seconds> instantIn(const Json::Value& condition, 
 Json::Value toJson(const LoggedEvent& logged) {
     const AccessEvent& event = logged.event;
     Json::Value json;
-    json["major"] = event.majorEventType;
-    json["minor"] = event.subEventType;
+    json["major"] = event.major;
+    json["minor"] = event.minor;
     json["time"] = event.dateTime;
     json["name"] = event.name;
     json["cardNo"] = event.cardNo;
@@ -48,7 +48,7 @@ Json::Value toJson(const LoggedEvent& logged) {
     json["doorNo"] = event.doorNo;
     json["employeeNoString"] = event.employeeNo;
     json["serialNo"] = Json::UInt64(logged.serialNo);
-    json["currentVerifyMode"] = event.currentVerifyMode;
+    json["verifyMode"] = event.verifyMode;
     return json;
 }
 

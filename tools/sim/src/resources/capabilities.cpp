@@ -23,12 +23,12 @@ Json::Value choice(const std::string& values) {
 Reply getAccessControlCapabilities(const Call&) {
     Json::Value answer;
     for (const char* name :
-         {"isSupportUserInfo", "isSupportUserInfoDetailDelete", "isSupportCardInfo", "isSupportFDLib",
-          "isSupportFingerPrintCfg", "isSupportFingerPrintDelete", "isSupportCaptureFingerPrint",
-          "isSupportCardReaderCfg", "isSupportUserRightWeekPlanCfg", "isSupportUserRightHolidayPlanCfg",
-          "isSupportUserRightHolidayGroupCfg", "isSupportUserRightPlanTemplate", "isSupportFaceRecognizeMode",
-          "isSupportRemoteControlDoor", "isSupportDoorParam", "isSupportAcsWorkStatus", "isSupportAcsEvent",
-          "isSupportHttpHosts"})
+         {"supportsUserInfo", "supportsUserInfoDetailDelete", "supportsCardInfo", "supportsFDLib",
+          "supportsFingerPrintCfg", "supportsFingerPrintDelete", "supportsCaptureFingerPrint",
+          "supportsCardReaderCfg", "supportsUserRightWeekPlanCfg", "supportsUserRightHolidayPlanCfg",
+          "supportsUserRightHolidayGroupCfg", "supportsUserRightPlanTemplate", "supportsFaceRecognizeMode",
+          "supportsRemoteControlDoor", "supportsDoorParam", "supportsAcsWorkStatus", "supportsAcsEvent",
+          "supportsHttpHosts"})
         answer["AccessControl"][name] = true;
     return jsonReply(answer);
 }
@@ -43,7 +43,7 @@ Reply getPersonCapabilities(const Call& call) {
     person["Valid"]["enable"] = choice("true,false");
     person["Valid"]["timeType"] = choice("local,UTC");
     person["doorRight"] = range(1, static_cast<unsigned>(call.state.access.doors.size()));
-    person["maxCardNum"] = call.state.access.capacity.cardsPerPerson;
+    person["maxCards"] = call.state.access.capacity.cardsPerPerson;
     return jsonReply(answer);
 }
 

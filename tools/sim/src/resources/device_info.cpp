@@ -32,7 +32,7 @@ constexpr std::array kElements{
     Element{"deviceName", &DeviceInfo::deviceName, isName},
     Element{"deviceID", &DeviceInfo::deviceId, nullptr},
     Element{"deviceDescription", &DeviceInfo::deviceDescription, anyText},
-    Element{"deviceLocation", &DeviceInfo::deviceLocation, nullptr},
+    Element{"location", &DeviceInfo::location, nullptr},
     Element{"systemContact", &DeviceInfo::systemContact, anyText},
     Element{"model", &DeviceInfo::model, nullptr},
     Element{"serialNumber", &DeviceInfo::serialNumber, nullptr},

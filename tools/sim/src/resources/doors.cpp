@@ -68,13 +68,13 @@ Reply getWorkStatus(const Call& call) {
     const Access& access = call.state.access;
     Json::Value answer;
     Json::Value& status = answer["AcsWorkStatus"];
-    for (const char* name : {"doorLockStatus", "doorStatus", "cardReaderOnlineStatus"})
+    for (const char* name : {"lockStatus", "doorStatus", "readerStatus"})
         status[name] = Json::arrayValue;
     for (size_t i = 0; i < access.doors.size(); ++i) {
         const Door& door = access.doors[i];
-        status["doorLockStatus"].append(door.isOpen(call.state.clock.now()) ? 1 : 0);
+        status["lockStatus"].append(door.isOpen(call.state.clock.now()) ? 1 : 0);
         status["doorStatus"].append(static_cast<int>(door.mode));
-        status["cardReaderOnlineStatus"].append(isTrue(access.readers[i], "enable") ? 1 : 0);
+        status["readerStatus"].append(isTrue(access.readers[i], "enable") ? 1 : 0);
     }
     return jsonReply(answer);
 }

@@ -25,7 +25,7 @@ std::set<unsigned> readersIn(const Access& access, const Json::Value& object) {
 }
 
 std::string fingerTypeIn(const Json::Value& object, const std::string& otherwise) {
-    const std::string type = textOr(object, "fingerType", otherwise);
+    std::string type = textOr(object, "fingerType", otherwise);
     if (!isOneOf(type, kFingerTypes)) throw Refused(kErrorFingerPrintType);
     return type;
 }
@@ -53,7 +53,7 @@ Reply getFingerprintProgress(const Call& call) {
     const Background& download = call.state.access.fingerprintDownload;
     Json::Value answer;
     answer["FingerPrintStatus"]["status"] = download.status();
-    answer["FingerPrintStatus"]["totalStatus"] = download.isRunning() ? 0 : 1;
+    answer["FingerPrintStatus"]["done"] = download.isRunning() ? 0 : 1;
     return jsonReply(answer);
 }
 
@@ -89,7 +89,7 @@ Reply postFingerprintSearch(const Call& call) {
     Json::Value answer;
     Json::Value& info = answer["FingerPrintInfo"];
     info["searchID"] = textIn(condition, "searchID");
-    info["status"] = list.empty() ? "NoFP" : "OK";
+    info["status"] = list.empty() ? "NONE" : "OK";
     info["FingerPrintList"] = std::move(list);
     return jsonReply(answer);
 }

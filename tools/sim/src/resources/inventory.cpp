@@ -13,19 +13,19 @@ struct List {
 };
 
 void fillVideoInput(pugi::xml_node& item, int id, const State&) {
-    addText(item, "inputPort", std::to_string(id));
+    addText(item, "input", std::to_string(id));
     addText(item, "name", "Camera " + std::to_string(id));
     addText(item, "enable", "true");
 }
 
 // Where the camera is that the channel shows.
 void addSource(pugi::xml_node& item, int id) {
-    pugi::xml_node source = item.append_child("sourceInputPortDescriptor");
-    addText(source, "proxyProtocol", "VELTA");
+    pugi::xml_node source = item.append_child("sourceInput");
+    addText(source, "protocol", "VELTA");
     addText(source, "addressingFormatType", "ipaddress");
     addText(source, "ipAddress", "198.51.100." + std::to_string(id % 254 + 1));
-    addText(source, "managePortNo", "8000");
-    addText(source, "srcInputPort", "1");
+    addText(source, "portNo", "8000");
+    addText(source, "inputNo", "1");
 }
 
 void fillProxyChannel(pugi::xml_node& item, int id, const State&) {
@@ -43,11 +43,11 @@ void fillAudioChannel(pugi::xml_node& item, int, const State&) {
 }
 
 void fillIoInput(pugi::xml_node& item, int, const State&) {
-    addText(item, "triggering", "low");
+    addText(item, "activeAt", "low");
 }
 
 void fillIoOutput(pugi::xml_node& item, int, const State&) {
-    addText(item, "powerOnState", "low");
+    addText(item, "initialState", "low");
 }
 
 Reply listReply(const Call& call, const List& list) {

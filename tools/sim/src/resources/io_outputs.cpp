@@ -7,10 +7,10 @@ Reply getIoOutputStatus(const Call& call) {
     const auto index = indexIn(call, call.state.outputIsHigh.size());
     if (!index) return notFound(call);
     pugi::xml_document document;
-    pugi::xml_node root = addRoot(document, "IOPortStatus");
-    addText(root, "ioPortID", std::to_string(*index + 1));
-    addText(root, "ioPortType", "output");
-    addText(root, "ioState", call.state.outputIsHigh[*index] ? "active" : "inactive");
+    pugi::xml_node root = addRoot(document, "OutputStatus");
+    addText(root, "portId", std::to_string(*index + 1));
+    addText(root, "portType", "output");
+    addText(root, "state", call.state.outputIsHigh[*index] ? "active" : "inactive");
     return {200, kXmlType, toText(document)};
 }
 

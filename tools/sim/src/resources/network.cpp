@@ -93,7 +93,7 @@ pugi::xml_document firstNetworkInterface(unsigned id, const std::string& macAddr
     addText(nameServer, "ipAddress", network + "53");
     pugi::xml_node link = root.append_child("Link");
     addText(link, "MACAddress", macAddress);
-    addText(link, "autoNegotiation", "true");
+    addText(link, "negotiation", "true");
     addText(link, "speed", "100");
     addText(link, "duplex", "full");
     addText(link, "MTU", "1500");

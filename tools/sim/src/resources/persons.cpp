@@ -26,7 +26,7 @@ Reply postPersonSearch(const Call& call) {
 
 Reply getPersonCount(const Call& call) {
     Json::Value answer;
-    answer["UserInfoCount"]["userNumber"] = Json::UInt64(call.state.access.people.persons().size());
+    answer["UserInfoCount"]["personNumber"] = Json::UInt64(call.state.access.people.persons().size());
     return jsonReply(answer);
 }
 

@@ -7,10 +7,8 @@ namespace veltasim {
 Reply getUserCheck(const Call&) {
     pugi::xml_document document;
     pugi::xml_node root = addRoot(document, "userCheck");
-    addText(root, "statusValue", "200");
+    addText(root, "httpStatus", "200");
     addText(root, "statusString", "OK");
-    addText(root, "isDefaultPassword", "false");
-    addText(root, "isActivated", "true");
     return {200, kXmlType, toText(document)};
 }
 
