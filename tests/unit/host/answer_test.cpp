@@ -24,18 +24,21 @@ TEST(Answer, Judge_documentsOfSuccess) {
 
 TEST(Answer, Judge_failures) {
     const host::Verdict json = judgeAnswer(
-        R"({"statusCode":6,"statusString":"Content Error","subStatusCode":"badParameters","errorCode":1610612737})");
+        R"({"statusCode":6,"statusString":"Content Error","subStatusCode":"badParameters","errorCode":1610612737,"errorMsg":"Incorrect parameter."})");
     EXPECT_EQ(json.code, ExitCode::Failed);
-    EXPECT_TRUE(json.fromDevice);
-    EXPECT_EQ(json.reason, "Content Error: badParameters (0x60000001)");
+    EXPECT_FALSE(json.isConclusive);
+    EXPECT_EQ(json.status.errorCode, 0x60000001);
+    EXPECT_EQ(json.reason, "0x60000001 badParameters: Incorrect parameter.");
     EXPECT_EQ(judgeAnswer("<ResponseStatus version=\"2.0\"><statusCode>4</statusCode></ResponseStatus>").code,
               ExitCode::Failed);
-    EXPECT_FALSE(judgeAnswer(R"({"statusCode":4,"subStatusCode":"unKnownErrorCode"})").fromDevice);
+    EXPECT_EQ(judgeAnswer(R"({"errorCode":1610637315})").code, ExitCode::Failed);
+    EXPECT_TRUE(judgeAnswer(R"({"statusCode":6,"subStatusCode":"cardNoNotExist"})").isConclusive);
+    EXPECT_FALSE(judgeAnswer(R"({"statusCode":4,"subStatusCode":"unKnownErrorCode"})").isConclusive);
 }
 
 TEST(Answer, Judge_refusedLogIn) {
-    const std::string refused = "<userCheck version=\"2.0\"><statusValue>401</statusValue>";
+    const std::string refused = "<userCheck version=\"2.0\"><httpStatus>401</httpStatus>";
     EXPECT_EQ(judgeAnswer(refused + "<lockStatus>unlock</lockStatus></userCheck>").code, ExitCode::Refused);
     EXPECT_EQ(judgeAnswer(refused + "<lockStatus>lock</lockStatus></userCheck>").code, ExitCode::Locked);
-    EXPECT_EQ(judgeAnswer("<userCheck><statusValue>200</statusValue></userCheck>").code, ExitCode::Ok);
+    EXPECT_EQ(judgeAnswer("<userCheck><httpStatus>200</httpStatus></userCheck>").code, ExitCode::Ok);
 }

@@ -14,6 +14,7 @@
 #include "answer.h"
 #include "commands.h"
 #include "event_text.h"
+#include "exchange.h"
 #include "host.h"
 #include "simulator.h"
 #include "statuses.h"
@@ -79,7 +80,14 @@ class Demo {
         host_.loadPlugin();
         story_.step("Plug-in loaded", [this] { return connect(); });
         story_.step("Device information", [this] { return readIdentity(); });
-        story_.step("JSON request passed on", [this] { return readCapabilities(); });
+        story_.step("JSON request passed on", [this] {
+            return readRoom("/VELTA/AccessControl/UserInfo/capabilities", "UserInfo", "maxRecordNum",
+                            "persons");
+        });
+        story_.step("Request translated", [this] {
+            return readRoom("/VELTA/AccessControl/capabilities", "AccessControlCap", "maxCardRecordNum",
+                            "cards");
+        });
 
         story_.step("Right password",
                     [this] { return expectStatus(kFrontDoor, VELTA_STATUS_ONLINE, "First online check"); });
@@ -140,12 +148,12 @@ class Demo {
         return identity;
     }
 
-    std::string readCapabilities() {
-        const std::string answer = ask("/VELTA/AccessControl/capabilities?format=json");
+    std::string readRoom(const char* path, const char* object, const char* limit, const std::string& what) {
+        const std::string answer = ask(jsonUri(path));
         Json::Value json;
-        if (!parseJson(answer, json) || !json["AccessControl"].isObject())
-            throw unexpected("no capabilities in the answer: " + answer);
-        return std::to_string(json["AccessControl"].size()) + " capabilities of access control";
+        if (!parseJson(answer, json) || !json[object][limit].isUInt())
+            throw unexpected("no limit in the answer: " + answer);
+        return "room for " + member(json[object], limit) + " " + what;
     }
 
     std::string ask(const std::string& uri) {

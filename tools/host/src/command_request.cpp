@@ -11,6 +11,7 @@
 
 #include "answer.h"
 #include "commands.h"
+#include "exchange.h"
 #include "host.h"
 #include "input.h"
 #include "text.h"
@@ -84,13 +85,14 @@ ExitCode runRequest(const CommonOptions& common, const RequestOptions& options) 
 
     const Session& session = *host.sessions.front();
     const std::string answer = host.request(session, options.method, options.uri, body);
-    Verdict verdict = judgeAnswer(answer);
+    const Verdict verdict = judgeAnswer(answer);
     show(options, answer, verdict, host.console);
     if (!verdict.reason.empty()) host.console.note("velta-host: " + verdict.reason);
-    if (!verdict.fromDevice) {
-        const Reachability found = probe(session.device());
-        if (!found.accepts) verdict.code = ExitCode::Unreachable;
-        host.console.note("velta-host: " + found.finding + "\n            " + found.hint);
+    if (!verdict.hint.empty()) host.console.note("            " + verdict.hint);
+    if (!verdict.isConclusive) {
+        if (const auto obstacle = findObstacle(host, session)) throw Failure(*obstacle);
+        host.console.note(
+            "            the device answers, and takes the password: it is this request that failed");
     }
     return verdict.code;
 }

@@ -48,13 +48,15 @@ void Console::note(const std::string& text) {
 void Console::countdown(const std::string& what, Clock::time_point until) {
     const auto left = std::chrono::ceil<std::chrono::seconds>(until - Clock::now()).count();
     const std::string line = what + " in " + std::to_string(std::max<int64_t>(left, 0)) + " s";
-    if (animates_ && line != standing_) {
-        std::cerr << "\r\033[K" << line << std::flush;
-        standing_ = line;
-    } else if (!animates_ && announced_ != what) {
-        std::cerr << line << std::endl;
-    }
+    progress(line);
+    if (!animates_ && announced_ != what) std::cerr << line << std::endl;
     announced_ = what;
+}
+
+void Console::progress(const std::string& line) {
+    if (!animates_ || line == standing_) return;
+    std::cerr << "\r\033[K" << line << std::flush;
+    standing_ = line;
 }
 
 void Console::endCountdown() {

@@ -30,6 +30,8 @@ class Console {
 
     // A wait: on a terminal a line that counts down, elsewhere one line when it begins.
     void countdown(const std::string& what, Clock::time_point until);
+    // How far something has come: on a terminal only, until anything else is written or the line is ended.
+    void progress(const std::string& line);
     void endCountdown();
 
  private:

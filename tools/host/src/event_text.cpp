@@ -71,7 +71,7 @@ std::string EventView::line() const {
         append(line, "", member(details, "name"));
         append(line, "card ", member(details, "cardNo"));
         append(line, "employee ", employeeOf(details));
-        append(line, "event ", member(details, "majorEventType") + "/" + member(details, "subEventType"));
+        append(line, "event ", member(details, "major") + "/" + member(details, "minor"));
     }
     line += isActive ? "  active" : "  inactive";
     if (pictureBytes > 0) append(line, "picture ", sizeText(pictureBytes));

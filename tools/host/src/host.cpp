@@ -57,6 +57,11 @@ void Host::connect(const std::vector<std::string>& devices, const LoginOptions& 
         add(device).connect(credentials);
 }
 
+Session& Host::connect(const DeviceOptions& device) {
+    connect({device.device}, device.login);
+    return *sessions.front();
+}
+
 void Host::awaitStored(const Session& session, int status) {
     const auto deadline = Clock::now() + kStoredWithin;
     while (session.status() != status && Clock::now() < deadline && !waiter.interrupted())

@@ -22,6 +22,7 @@ struct Host {
     // Finds the devices' addresses and the password, loads the plug-in and connects a session for each
     // device.
     void connect(const std::vector<std::string>& devices, const LoginOptions& login);
+    Session& connect(const DeviceOptions& device);
     void loadPlugin();
 
     // The status of a callback is stored after the callback: returns when it is, or when it never comes.

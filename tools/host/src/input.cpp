@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <string_view>
 
 #include "failure.h"
@@ -30,25 +31,32 @@ class EchoOff {
     termios before_{};
 };
 
-// Nothing at the end of the input.
-std::string readSome(int fd, size_t most, Waiter& waiter) {
+Fd openTerminal() {
+    return Fd(open("/dev/tty", O_RDWR | O_CLOEXEC));
+}
+
+void say(const Fd& terminal, std::string_view text) {
+    [[maybe_unused]] const ssize_t written = write(terminal.get(), text.data(), text.size());
+}
+
+}  // namespace
+
+std::string readSome(int fd, Waiter& waiter, size_t most) {
     std::array<char, 4096> buffer{};
     for (;;) {
         if (!waiter.waitForInput(fd)) waiter.throwIfInterrupted();
         const ssize_t count = read(fd, buffer.data(), std::min(most, buffer.size()));
         if (count >= 0) return {buffer.data(), static_cast<size_t>(count)};
         if (errno != EINTR && errno != EAGAIN)
-            throw Failure(ExitCode::Failed, "standard input can't be read");
+            throw Failure(ExitCode::Failed, std::string("the input can't be read: ") + std::strerror(errno));
     }
 }
-
-}  // namespace
 
 // Byte by byte: what stands behind the line may be somebody else's.
 std::string readLine(int fd, Waiter& waiter) {
     std::string line;
     for (;;) {
-        const std::string next = readSome(fd, 1, waiter);
+        const std::string next = readSome(fd, waiter, 1);
         if (next.empty() || next == "\n") break;
         line += next;
     }
@@ -59,27 +67,45 @@ std::string readLine(int fd, Waiter& waiter) {
 std::string readAll(int fd, Waiter& waiter) {
     std::string all;
     for (;;) {
-        const std::string next = readSome(fd, std::string::npos, waiter);
+        const std::string next = readSome(fd, waiter);
         if (next.empty()) return all;
         all += next;
     }
 }
 
+std::string readInput(const std::string& path, Waiter& waiter) {
+    const bool isStandard = path == "-";
+    const Fd file(isStandard ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!isStandard && file.get() < 0)
+        throw Failure(ExitCode::WrongUsage, path + ": " + std::strerror(errno));
+    std::string all = readAll(isStandard ? STDIN_FILENO : file.get(), waiter);
+    if (all.empty()) throw Failure(ExitCode::WrongUsage, path + ": there is nothing in it");
+    return all;
+}
+
+void confirm(const std::string& question, Waiter& waiter) {
+    const Fd terminal = openTerminal();
+    if (terminal.get() < 0)
+        throw Failure(ExitCode::WrongUsage, "there is no terminal to ask on: " + question,
+                      "--yes goes on without the question");
+    say(terminal, question + " [y/N] ");
+    const std::string answer = readLine(terminal.get(), waiter);
+    if (answer != "y" && answer != "Y" && answer != "yes")
+        throw Failure(ExitCode::Failed, "not confirmed; nothing was done");
+}
+
 std::string askWithoutEcho(const std::string& question, Waiter& waiter) {
-    const Fd terminal(open("/dev/tty", O_RDWR | O_CLOEXEC));
+    const Fd terminal = openTerminal();
     if (terminal.get() < 0)
         throw Failure(ExitCode::WrongUsage, "no password given",
                       "use --password-file FILE, --password-stdin or --password TEXT");
     const EchoOff quiet(terminal.get());
-    const auto say = [&](std::string_view text) {
-        [[maybe_unused]] const ssize_t written = write(terminal.get(), text.data(), text.size());
-    };
-    say(question);
+    say(terminal, question);
     struct LineEnd {
-        const decltype(say)& write;
-        ~LineEnd() { write("\n"); }
+        const Fd& terminal;
+        ~LineEnd() { say(terminal, "\n"); }
     };
-    const LineEnd lineEnd{say};
+    const LineEnd lineEnd{terminal};
     return readLine(terminal.get(), waiter);
 }
 

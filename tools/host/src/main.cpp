@@ -15,6 +15,9 @@ Examples:
   velta-host status --device 192.168.1.20               is it there, does it take the password?
   velta-host events --device 192.168.1.20 --device 192.168.1.21:8080 --pictures /tmp/faces
   velta-host request --device 192.168.1.20 GET /VELTA/System/deviceInfo
+  velta-host time --device 192.168.1.20 --set
+  velta-host persons import --device 192.168.1.20 staff.csv
+  velta-host doors open 2 --device 192.168.1.20
   velta-host COMMAND --help                             options and examples of a command
 
 Exit codes:
@@ -47,6 +50,19 @@ int main(int argc, char** argv) {
         host::addEventsCommand(app, common, run);
         host::addRequestCommand(app, common, run);
         host::addInventoryCommand(app, common, run);
+        host::addTimeCommand(app, common, run);
+        host::addNetworkCommand(app, common, run);
+        host::addOutputCommand(app, common, run);
+        host::addRebootCommand(app, common, run);
+        host::addConfigCommand(app, common, run);
+        host::addPersonsCommand(app, common, run);
+        host::addCardsCommand(app, common, run);
+        host::addFacesCommand(app, common, run);
+        host::addFingerprintsCommand(app, common, run);
+        host::addDoorsCommand(app, common, run);
+        host::addLogCommand(app, common, run);
+        host::addSchedulesCommand(app, common, run);
+        host::addHostsCommand(app, common, run);
         host::addDemoCommand(app, common, run);
         try {
             app.parse(argc, argv);

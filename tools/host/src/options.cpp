@@ -89,6 +89,11 @@ void addDevice(CLI::App& app, std::string& device) {
         ->group(kDeviceGroup);
 }
 
+void addDeviceOptions(CLI::App& app, DeviceOptions& options) {
+    addDevice(app, options.device);
+    addLoginOptions(app, options.login);
+}
+
 void addDevices(CLI::App& app, std::vector<std::string>& devices) {
     app.add_option("--device", devices, std::string(kDeviceHelp) + "; may be repeated")
         ->type_name("ADDRESS")

@@ -23,12 +23,19 @@ struct LoginOptions {
     bool passwordStdin = false;
 };
 
+// What a command for one device has.
+struct DeviceOptions {
+    std::string device;
+    LoginOptions login;
+};
+
 // The path of a file beside this program.
 std::string besideProgram(const std::string& name);
 
 void addCommonOptions(CLI::App& app, CommonOptions& options);
 void addLoginOptions(CLI::App& app, LoginOptions& options);
 void addDevice(CLI::App& app, std::string& device);
+void addDeviceOptions(CLI::App& app, DeviceOptions& options);
 void addDevices(CLI::App& app, std::vector<std::string>& devices);
 
 // The credentials; asks for the password on the terminal when none is given. Throws Failure.

@@ -89,8 +89,8 @@ Plugin::Plugin(const std::string& path, const std::string& logLevel)
     constexpr const char* kHint = "give its place with --library PATH";
     if (!library_) throw Failure(ExitCode::NoLibrary, loadError(path), kHint);
     const auto getInterface = find<VELTA_GetPluginInterfaceFunction>(VELTA_ENTRY_GET_PLUGIN_INTERFACE);
-    const auto setConfig = find<VELTA_SetConfigFunction>(VELTA_ENTRY_SET_CONFIG);
-    if (getInterface == nullptr || setConfig == nullptr)
+    setConfig_ = find<VELTA_SetConfigFunction>(VELTA_ENTRY_SET_CONFIG);
+    if (getInterface == nullptr || setConfig_ == nullptr)
         throw Failure(ExitCode::NoLibrary, path + " is a library, but not this plug-in", kHint);
     setLogLevel(logLevel);
 
@@ -100,7 +100,7 @@ Plugin::Plugin(const std::string& path, const std::string& logLevel)
     if (const int code = entries_->Init(); code != VELTA_OK)
         throw Failure(ExitCode::NoLibrary, "the plug-in does not start: " + resultText(code),
                       "see --log-level info");
-    if (setConfig("SetEventSub", "1") != VELTA_OK) {
+    if (setConfig_("SetEventSub", "1") != VELTA_OK) {
         entries_->Uninit();
         throw Failure(ExitCode::NoLibrary, "the plug-in refuses to pass events on");
     }
@@ -112,6 +112,10 @@ Plugin::~Plugin() {
 
 std::string Plugin::version() const {
     return entries_->GetFileVersion();
+}
+
+int Plugin::setConfig(const std::string& head, const std::string& message) const {
+    return setConfig_(head.c_str(), message.c_str());
 }
 
 void Plugin::setLogLevel(const std::string& level) const {

@@ -32,6 +32,7 @@ class Plugin {
 
     const xplugin_export_interface_t& entries() const { return *entries_; }
     std::string version() const;
+    int setConfig(const std::string& head, const std::string& message) const;  // the plug-in's result code
     // The online check, which logs in to all devices, comes in this rhythm from the start on. The time of the
     // next one is good for a display: it is the plug-in's clock that counts.
     static constexpr std::chrono::seconds kCheckPeriod{15};
@@ -47,6 +48,7 @@ class Plugin {
 
     const std::unique_ptr<void, CloseLibrary> library_;
     const xplugin_export_interface_t* entries_ = nullptr;
+    VELTA_SetConfigFunction setConfig_ = nullptr;
     Clock::time_point started_;
 };
 
