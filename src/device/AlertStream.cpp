@@ -12,6 +12,8 @@
 namespace {
 
 constexpr long kMostRepetitions = 10;  // redirects and log-ins: a device must not send the thread in circles
+// The library keeps every header line, also those behind the last chunk, of which it takes any number.
+constexpr size_t kMostHeaderBytes = 256 * 1024;
 constexpr const char* kAlertStreamPath = "/VELTA/Event/notification/alertStream";
 constexpr std::string_view kHeartbeat = "videoloss";
 constexpr std::string_view kStreamsExhausted = "deployExceedMax";
@@ -40,6 +42,7 @@ void CVeltaDevice::getAlertStream() {
     const std::string url = device.url(kAlertStreamPath);
     CURL* const handle = transfer.get();
     streamHandle_ = handle;
+    streamHeaderBytes_ = 0;
     curl_easy_setopt(handle, CURLOPT_URL, url.c_str());
     curl_easy_setopt(handle, CURLOPT_HEADER, 1L);  // the boundary stands in the response headers
     curl_easy_setopt(handle, CURLOPT_USERNAME, device.user.c_str());
@@ -103,6 +106,8 @@ size_t CVeltaDevice::writeResponseBody(char* data, size_t size, size_t count, vo
 size_t CVeltaDevice::endOfHeaders(char* data, size_t size, size_t count, void* session) {
     const std::string_view line(data, size * count);
     CVeltaDevice& device = *static_cast<CVeltaDevice*>(session);
+    device.streamHeaderBytes_ += line.size();
+    if (device.streamHeaderBytes_ > kMostHeaderBytes) return 0;
     long status = 0;
     if (line == "\r\n" &&
         curl_easy_getinfo(device.streamHandle_, CURLINFO_RESPONSE_CODE, &status) == CURLE_OK &&

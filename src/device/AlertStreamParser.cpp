@@ -11,6 +11,7 @@ namespace velta {
 namespace {
 
 constexpr size_t npos = std::string::npos;
+constexpr size_t kKeptCapacity = size_t{1} << 20;
 constexpr std::string_view kHeaderEnd = "\r\n\r\n";
 constexpr std::string_view kContentLength = "Content-Length: ";
 constexpr std::string_view kJsonMark = "application/json";
@@ -33,7 +34,9 @@ void AlertStreamParser::feed(std::string_view chunk) {
     }
 }
 
-void AlertStreamParser::clear() {
+void AlertStreamParser::clear() noexcept {
+    // What a flood has taken goes back; what ordinary messages need stays.
+    if (buffer_.capacity() > kKeptCapacity) std::string().swap(buffer_);
     buffer_.clear();
     boundaryParameter_.restart(0);
     boundaryParameterAt_ = npos;

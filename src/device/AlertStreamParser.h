@@ -37,8 +37,8 @@ class AlertStreamParser {
      * has come. */
     void feed(std::string_view chunk);
 
-    /* Forgets the bytes received so far. The boundary stays. */
-    void clear();
+    /* Forgets the bytes received so far. The boundary stays. Needs no memory. */
+    void clear() noexcept;
 
     /* "--" and the boundary parameter of the stream's content type; empty before it was seen. Set once. */
     std::string getBoundary() const { return boundary_; }

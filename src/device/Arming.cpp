@@ -47,9 +47,10 @@ int CVeltaDevice::SetEventCallBack(VELTA_EventCallBack callback, void* user) {
         }
         veltaDisarm();
         manager.delEventCallBack(address);
+        eventCallBack_.set(nullptr, nullptr);
     }
     // Without a lock: it waits for a callback that is running, which may itself be in here.
-    eventCallBack_.setAndWait(nullptr, nullptr);
+    eventCallBack_.waitForCall();
     return VELTA_OK;
 }
 
@@ -65,6 +66,9 @@ int CVeltaDevice::veltaArm() {
 }
 
 int CVeltaDevice::veltaDisarm() {
+    const velta::Connection device = connection();
+    xlog_format(XLOG_INFO, "VELTADEV", "[%s(%d)] disarm begin [%s][%d]", __func__, __LINE__,
+                device.host.c_str(), device.port);
     const XPR_Guard guard(armMutex_);
     disarmLocked();
     return 0;
@@ -89,10 +93,8 @@ int CVeltaDevice::armLocked() {
     return 0;
 }
 
+// Needs no memory.
 void CVeltaDevice::disarmLocked() {
-    const velta::Connection device = connection();
-    xlog_format(XLOG_INFO, "VELTADEV", "[%s(%d)] disarm begin [%s][%d]", __func__, __LINE__,
-                device.host.c_str(), device.port);
     if (streamThread_ != XPR_INVALID_HANDLE) {
         streamSockets_.stop();
         XPR_Thread_Wait(streamThread_);

@@ -303,6 +303,8 @@ class CVeltaDevice final : public CDevBase,
     /* Counts a host's call for its duration, so that the destructor can wait for it. */
     class CallGuard;
 
+    void waitForCalls();
+
     velta::Connection connection() const;
     bool isOnline() const { return connStatus_ == VELTA_STATUS_ONLINE; }
 
@@ -353,6 +355,7 @@ class CVeltaDevice final : public CDevBase,
     XPR_HANDLE streamThread_ XPR_GUARDED_BY(armMutex_) = XPR_INVALID_HANDLE;
     velta::StreamSockets streamSockets_;
     CURL* streamHandle_ = nullptr;           // stream thread only
+    size_t streamHeaderBytes_ = 0;           // stream thread only
     velta::AlertStreamParser streamParser_;  // stream thread only, or while there is none
 
     xpr::xpr_mutex callMutex_;

@@ -4,6 +4,7 @@
 #include <xpr/mutex.h>
 
 #include <condition_variable>
+#include <cstdint>
 #include <memory>
 #include <thread>
 
@@ -20,13 +21,28 @@ class CallbackSlot {
         state_->user = user;
     }
 
-    /* As set(), and waits for a call that is under way, unless that call is the caller: afterwards the former
-     * callback never runs again. */
+    /* Waits for a call that is under way, unless that call is the caller: a callback that was replaced before
+     * never runs again. */
+    void waitForCall() {
+        const XPR_Guard guard(state_->mutex);
+        const uint64_t call = state_->calls;
+        while (state_->running && state_->calls == call && state_->runner != std::this_thread::get_id())
+            state_->ended.wait(state_->mutex);
+    }
+
     void setAndWait(Callback callback, void* user) {
         set(callback, user);
+        waitForCall();
+    }
+
+    /* Takes the callback out for good. If the caller is the callback, nobody waits for it any more: it is freeing
+     * the owner, and would itself wait for those who do. */
+    void retire() {
         const XPR_Guard guard(state_->mutex);
-        while (state_->running && state_->runner != std::this_thread::get_id())
-            state_->ended.wait(state_->mutex);
+        state_->callback = nullptr;
+        if (!state_->running || state_->runner != std::this_thread::get_id()) return;
+        state_->running = false;
+        state_->ended.notify_all();
     }
 
     bool isSet() const {
@@ -46,6 +62,7 @@ class CallbackSlot {
             callback = state->callback;
             user = state->user;
             state->running = true;
+            ++state->calls;
             state->runner = std::this_thread::get_id();
         }
         callback(arguments..., user);
@@ -61,6 +78,7 @@ class CallbackSlot {
         Callback callback XPR_GUARDED_BY(mutex) = nullptr;
         void* user XPR_GUARDED_BY(mutex) = nullptr;
         bool running XPR_GUARDED_BY(mutex) = false;
+        uint64_t calls XPR_GUARDED_BY(mutex) = 0;
         std::thread::id runner XPR_GUARDED_BY(mutex);
         std::condition_variable_any ended;
     };

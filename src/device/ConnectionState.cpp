@@ -3,6 +3,8 @@
 #include <xlog/xlog.h>
 #include <velta/connect.h>
 
+#include <exception>
+
 #include "DevPlus/Facade.h"
 #include "device/CVeltaDevice.h"
 #include "gateway/CXmlBase.h"
@@ -44,15 +46,29 @@ CVeltaDevice::CVeltaDevice()
 }
 
 CVeltaDevice::~CVeltaDevice() {
-    const velta::Connection device = connection();
-    xlog_format(XLOG_INFO, "VELTADEV", "[%s(%d)] release device [%s] [%s] [%d]", __func__, __LINE__,
-                getDevIndex().c_str(), device.host.c_str(), device.port);
     CVeltaDevMgr& manager = CVeltaDevMgr::instance();
-    // A session that was connected under several indexes, or cancelled its events offline, has left more
-    // behind than DisConnect takes back.
     manager.forgetDevice(this);
-    CVeltaDevice::DisConnect();
+    eventCallBack_.retire();
+    try {
+        const velta::Connection device = connection();
+        xlog_format(XLOG_INFO, "VELTADEV", "[%s(%d)] release device [%s] [%s] [%d]", __func__, __LINE__,
+                    getDevIndex().c_str(), device.host.c_str(), device.port);
+        CVeltaDevice::DisConnect();
+    } catch (const std::exception& error) {  // what follows needs no memory
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] %s", __func__, __LINE__, error.what());
+    }
+    waitForCalls();
+    // Calls that were still inside may have connected and armed the session again; one that was connected under
+    // several indexes, or cancelled its events offline, has left more behind than DisConnect takes back.
+    manager.forgetDevice(this);
+    {
+        const XPR_Guard guard(armMutex_);
+        disarmLocked();
+    }
     manager.forgetEventCallBacks(this);
+}
+
+void CVeltaDevice::waitForCalls() {
     const XPR_Guard guard(callMutex_);
     while (callsInside_ > 0)
         callsEnded_.wait(callMutex_);

@@ -6,20 +6,20 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <utility>
 
 namespace velta {
 
-/* The first occurrence of a text at or behind a position. */
+/* The first occurrence of a text at or behind a position. The text belongs to whoever gave it: starting anew must
+ * not need memory. */
 class FirstOccurrence {
  public:
-    explicit FirstOccurrence(std::string text) : text_(std::move(text)) {}
+    explicit FirstOccurrence(std::string_view text) : text_(text) {}
 
     void restart(size_t from) {
         next_ = from;
         found_ = std::string::npos;
     }
-    void restart(size_t from, const std::string& text) {
+    void restart(size_t from, std::string_view text) {
         text_ = text;
         restart(from);
     }
@@ -34,7 +34,7 @@ class FirstOccurrence {
     }
 
  private:
-    std::string text_;
+    std::string_view text_;
     size_t next_ = 0;
     size_t found_ = std::string::npos;
 };
@@ -42,7 +42,7 @@ class FirstOccurrence {
 /* The last occurrence of a text. */
 class LastOccurrence {
  public:
-    explicit LastOccurrence(std::string text) : first_(std::move(text)) {}
+    explicit LastOccurrence(std::string_view text) : first_(text) {}
 
     void forgetBefore(size_t position) {
         if (last_ < position) last_ = std::string::npos;

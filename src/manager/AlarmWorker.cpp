@@ -36,14 +36,13 @@ int CVeltaDevMgr::alarmMsgProcessThread(void* mgr) {
 
 // Takes the whole queue in one step, so that the streams of the devices never wait for a host's callback.
 void CVeltaDevMgr::alarmMsgProcess() {
-    std::deque<std::string> messages;
     {
         const std::lock_guard<std::mutex> guard(alarmQueueLock_);
-        messages.swap(alarmQueue_);
+        takenMessages_.swap(alarmQueue_);
     }
-    for (; !messages.empty() && !stop_; messages.pop_front()) {
+    for (; !takenMessages_.empty() && !stop_; takenMessages_.pop_front()) {
         try {
-            processAcsAlarm(messages.front());
+            processAcsAlarm(takenMessages_.front());
         } catch (const std::exception& error) {
             xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] %s", __func__, __LINE__, error.what());
         }

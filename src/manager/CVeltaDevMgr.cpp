@@ -36,8 +36,12 @@ int CVeltaDevMgr::init() {
     }
     onlineTimerId_ = timerId;
 
-    tagNetworkInfo unused{};
-    getCurrentNetworkInfo(unused, true);
+    try {
+        tagNetworkInfo unused{};
+        getCurrentNetworkInfo(unused, true);
+    } catch (const std::exception& error) {  // the timer runs already
+        xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] %s", __func__, __LINE__, error.what());
+    }
     eventTransmitCfg_ = false;
 
     if (XPR_SemCreate(&alarmSemaphore_, 0) == XPR_OK) {

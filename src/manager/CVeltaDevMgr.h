@@ -127,7 +127,8 @@ class CVeltaDevMgr : public singleton<CVeltaDevMgr> {
     velta::LocalNetwork localNetwork_;
 
     std::mutex alarmQueueLock_;
-    std::deque<std::string> alarmQueue_;  // guarded by alarmQueueLock_
+    std::deque<std::string> alarmQueue_;     // guarded by alarmQueueLock_
+    std::deque<std::string> takenMessages_;  // worker only; a member, since making one takes memory
     XPR_Semaphore alarmSemaphore_{};
     XPR_HANDLE worker_ = XPR_INVALID_HANDLE;
 

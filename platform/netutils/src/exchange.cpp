@@ -1,10 +1,12 @@
 #include "exchange.h"
 
 #include <string.h>
+#include <strings.h>
 
 #include <algorithm>
 #include <chrono>
 #include <iterator>
+#include <string_view>
 
 #include "easy_handle.h"
 #include "last_error.h"
@@ -25,6 +27,10 @@ constexpr long kShortestConnectTimeoutMs = 2000;
 /* The unauthenticated request, the one with credentials, and one more for a nonce that had just become stale.
  * A device that never accepts its own nonces would otherwise be asked without end. */
 constexpr long kMostRepetitions = 2;
+
+/* Of all answers of an exchange together. libcurl keeps every line, also those behind the last chunk, of which it
+ * takes any number. */
+constexpr size_t kMostHeaderBytes = 256 * 1024;
 
 /* Puts the body of the answer into the caller's buffer. */
 class Receiver {
@@ -62,11 +68,8 @@ class StallWatch {
         static_cast<StallWatch*>(watch)->restart();
         return CURL_PREREQFUNC_OK;
     }
-    static size_t header(char*, size_t, size_t count, void* watch) {
-        // From here on the device may leave the rest of the body unread.
-        static_cast<StallWatch*>(watch)->watching_ = false;
-        return count;
-    }
+    /* From here on the device may leave the rest of the body unread. */
+    void answerBegins() { watching_ = false; }
     static int progress(void* watch, curl_off_t, curl_off_t, curl_off_t total, curl_off_t sent) {
         return static_cast<StallWatch*>(watch)->stalled(total, sent) ? 1 : 0;
     }
@@ -95,6 +98,61 @@ class StallWatch {
     Clock::time_point lastMove_;
 };
 
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
+}
+
+/* Looks at the header lines of all answers of an exchange, and ends one that is up to no good. */
+class HeaderWatch {
+ public:
+    explicit HeaderWatch(StallWatch* stall) : stall_(stall) {}
+
+    static size_t header(char* bytes, size_t, size_t count, void* watch) {
+        return static_cast<HeaderWatch*>(watch)->take({bytes, count}) ? count : 0;
+    }
+    /* The head of the last answer came to its end. */
+    bool ended() const { return ended_; }
+    /* A device that had offered Digest then asked for the password in clear. */
+    bool downgraded() const { return downgraded_; }
+
+ private:
+    bool take(std::string_view line) {
+        stall_->answerBegins();
+        total_ += line.size();
+        while (line.ends_with('\n') || line.ends_with('\r'))
+            line.remove_suffix(1);
+        if (line.starts_with("HTTP/")) {
+            ended_ = offersDigest_ = offersBasic_ = false;
+        } else if (line.empty()) {
+            ended_ = true;
+            downgraded_ = offeredDigest_ && offersBasic_ && !offersDigest_;
+            offeredDigest_ = offeredDigest_ || offersDigest_;
+        } else {
+            offersDigest_ = offersDigest_ || challenges(line, "Digest");
+            offersBasic_ = offersBasic_ || challenges(line, "Basic");
+        }
+        return total_ <= kMostHeaderBytes && !downgraded_;
+    }
+
+    static bool challenges(std::string_view line, std::string_view scheme) {
+        constexpr std::string_view kName = "WWW-Authenticate:";
+        if (!equalsIgnoringCase(line.substr(0, kName.size()), kName)) return false;
+        // One line may carry several challenges.
+        for (size_t at = kName.size(); at < line.size(); ++at) {
+            if (equalsIgnoringCase(line.substr(at, scheme.size()), scheme)) return true;
+        }
+        return false;
+    }
+
+    StallWatch* stall_;
+    size_t total_ = 0;
+    bool ended_ = false;
+    bool offersDigest_ = false;
+    bool offersBasic_ = false;
+    bool offeredDigest_ = false;
+    bool downgraded_ = false;
+};
+
 void setProtocol(EasyHandle& easy) {
     easy.set(CURLOPT_PROTOCOLS_STR, "http");
     easy.set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
@@ -113,8 +171,6 @@ void setLimits(EasyHandle& easy, const Request& request, StallWatch* watch) {
     if (request.sendTimeoutMs() == 0) return;
     easy.set(CURLOPT_PREREQFUNCTION, StallWatch::beginRequest);
     easy.set(CURLOPT_PREREQDATA, watch);
-    easy.set(CURLOPT_HEADERFUNCTION, StallWatch::header);
-    easy.set(CURLOPT_HEADERDATA, watch);
     easy.set(CURLOPT_XFERINFOFUNCTION, StallWatch::progress);
     easy.set(CURLOPT_XFERINFODATA, watch);
     easy.set(CURLOPT_NOPROGRESS, 0L);
@@ -141,15 +197,18 @@ void setMessage(EasyHandle& easy, const Request& request, const Method& method) 
     easy.set(CURLOPT_CUSTOMREQUEST, method.name);
 }
 
-void setReceiver(EasyHandle& easy, Receiver* receiver) {
+void setReceiver(EasyHandle& easy, Receiver* receiver, HeaderWatch* headers) {
+    easy.set(CURLOPT_HEADERFUNCTION, HeaderWatch::header);
+    easy.set(CURLOPT_HEADERDATA, headers);
     easy.set(CURLOPT_WRITEFUNCTION, Receiver::receive);
     easy.set(CURLOPT_WRITEDATA, receiver);
 }
 
 /* Whether an answer arrived, whatever it says: whole, stopped at the capacity, or a 401 to the last
  * repetition. */
-bool answered(CURLcode code, const Receiver& receiver) {
-    return code == CURLE_OK || receiver.cut() || code == CURLE_TOO_MANY_REDIRECTS;
+bool answered(CURLcode code, const Receiver& receiver, const HeaderWatch& headers) {
+    const bool arrived = code == CURLE_OK || receiver.cut() || code == CURLE_TOO_MANY_REDIRECTS;
+    return (arrived && headers.ended()) || headers.downgraded();
 }
 
 bool valid(const NET_HTTPCLIENT_EXCHANGE& in, const NET_HTTPCLIENT_EXCHANGE* out) {
@@ -166,16 +225,17 @@ int exchange(const Request& request, const NET_HTTPCLIENT_EXCHANGE& in, NET_HTTP
     const std::string url(in.url, in.urlLength);
     Receiver receiver(in.buffer, in.bufferSize);
     StallWatch watch(request.sendTimeoutMs());
+    HeaderWatch headers(&watch);
     EasyHandle easy;
     setProtocol(easy);
     easy.set(CURLOPT_URL, url.c_str());
     setMessage(easy, request, kMethods[in.method]);
     setCredentials(easy, request);
     setLimits(easy, request, &watch);
-    setReceiver(easy, &receiver);
+    setReceiver(easy, &receiver, &headers);
 
     const CURLcode code = easy.perform();
-    if (!answered(code, receiver)) return failWithZero(code);
+    if (!answered(code, receiver, headers)) return failWithZero(code);
     out->httpStatus = static_cast<uint32_t>(easy.status());
     out->bufferSize = receiver.length();
     return 1;

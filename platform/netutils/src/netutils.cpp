@@ -17,6 +17,7 @@ namespace {
 struct Client {
     netutils::LibraryInUse library;
     netutils::Request request;
+    bool incomplete = false; /* memory ran out for one of its parameters: half a request is never sent */
 };
 
 Client* clientOf(NET_HTTPCLIENT_HANDLE handle) {
@@ -32,6 +33,7 @@ int guarded(NET_HTTPCLIENT_HANDLE handle, int (*failed)(int error), Body body) n
     try {
         return body(*client);
     } catch (...) {
+        client->incomplete = true;
         return failed(NET_UTILS_ERROR_OUT_OF_MEMORY);
     }
 }
@@ -64,7 +66,10 @@ int NET_HTTPCLIENT_SetParam(NET_HTTPCLIENT_HANDLE client, int code, const void* 
 int NET_HTTPCLIENT_ShortLinkExchange(NET_HTTPCLIENT_HANDLE client, const NET_HTTPCLIENT_EXCHANGE* in,
                                      NET_HTTPCLIENT_EXCHANGE* out) {
     if (in == nullptr) return failWithZero(NET_UTILS_ERROR_PARAMETER);
-    return guarded(client, failWithZero, [&](Client& c) { return netutils::exchange(c.request, *in, out); });
+    return guarded(client, failWithZero, [&](Client& c) {
+        if (c.incomplete) return failWithZero(NET_UTILS_ERROR_OUT_OF_MEMORY);
+        return netutils::exchange(c.request, *in, out);
+    });
 }
 
 void NET_HTTPCLIENT_Destroy(NET_HTTPCLIENT_HANDLE client) {
