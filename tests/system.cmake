@@ -12,6 +12,7 @@ velta_test(access_tests
   LIBRARIES system_support)
 velta_test(gateway_system_tests SOURCES system/gateway_test.cpp LIBRARIES system_support)
 velta_test(site_tests SOURCES system/site_test.cpp LIBRARIES system_support)
+velta_test(hostile_tests SOURCES system/hostile_test.cpp LIBRARIES system_support)
 
 # One process, so that all sessions wait for the same online checks.
 add_executable(session_tests system/session_test.cpp)

@@ -30,10 +30,9 @@ constexpr Trick kOtherHost{
     .answer = "{401}{digest}\r\nWWW-Authenticate: Basic realm=\"door\"\r\n{length}<answer/>",
     .end = End::GoOn};
 
-// A thread and whether it has done its work.
 struct Worker {
     std::atomic<bool> done{false};
-    std::thread thread;
+    std::jthread thread;
 };
 
 bool hear(HostileWire& wire, Ear ear, HostileReply& reply) {
@@ -80,6 +79,7 @@ class HostileDevice::Impl {
     uint16_t port() const { return listeners_[0] ? listeners_[0]->port() : 0; }
     void setTrick(std::string_view name) { trick_ = &trickNamed(name); }
     uint64_t connections() const { return connections_; }
+    uint64_t openConnections() const { return open_; }
     uint64_t bytesSent() const { return sent_; }
     std::vector<std::string> requests(bool elsewhere) const {
         const std::lock_guard guard(mutex_);
@@ -98,6 +98,7 @@ class HostileDevice::Impl {
     const Fd stop_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
     std::array<std::optional<Listener>, 2> listeners_;  // this host and the other one
     std::atomic<uint64_t> connections_{0};
+    std::atomic<uint64_t> open_{0};
     std::atomic<uint64_t> sent_{0};
     mutable std::mutex mutex_;
     std::array<std::vector<std::string>, 2> heads_;
@@ -114,21 +115,21 @@ void HostileDevice::Impl::acceptAll() {
         for (const bool elsewhere : {false, true}) {
             Fd socket(accept4(doors[elsewhere].get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
             if (socket.get() < 0) continue;
+            ++open_;
             ++connections_;
-            Worker& worker = workers.emplace_back();
-            worker.thread = std::thread([this, elsewhere, &worker, connection = std::move(socket)]() mutable {
-                serve(std::move(connection), elsewhere);
-                worker.done = true;
-            });
+            try {
+                Worker& worker = workers.emplace_back();
+                worker.thread = std::jthread([this, elsewhere, &worker, own = std::move(socket)]() mutable {
+                    serve(std::move(own), elsewhere);
+                    --open_;
+                    worker.done = true;
+                });
+            } catch (const std::exception&) {  // no memory or no thread: the connection ends
+                --open_;
+            }
         }
-        std::erase_if(workers, [](Worker& worker) {
-            const bool done = worker.done;
-            if (done) worker.thread.join();
-            return done;
-        });
+        std::erase_if(workers, [](const Worker& w) { return w.done || !w.thread.joinable(); });
     }
-    for (Worker& worker : workers)
-        worker.thread.join();
 }
 
 void HostileDevice::Impl::serve(Fd socket, bool elsewhere) noexcept {
@@ -181,6 +182,9 @@ void HostileDevice::setTrick(std::string_view trick) {
 }
 uint64_t HostileDevice::connections() const {
     return impl_->connections();
+}
+uint64_t HostileDevice::openConnections() const {
+    return impl_->openConnections();
 }
 uint64_t HostileDevice::bytesSent() const {
     return impl_->bytesSent();

@@ -17,13 +17,13 @@ constexpr std::string_view kJsonStatus = R"({"statusCode":1,"statusString":"OK",
 
 // The value of a header of the request; empty: there is none.
 std::string_view headerOf(std::string_view head, std::string_view name) {
-    for (size_t at = head.find("\r\n"); at != std::string_view::npos; at = head.find("\r\n", at)) {
-        at += 2;
-        if (head.substr(at + name.size(), 1) != ":" ||
-            strncasecmp(head.data() + at, name.data(), name.size()) != 0)
+    for (size_t at = head.find("\r\n"); at != std::string_view::npos; at = head.find("\r\n")) {
+        head.remove_prefix(at + 2);
+        if (head.size() < name.size() || strncasecmp(head.data(), name.data(), name.size()) != 0 ||
+            !head.substr(name.size()).starts_with(": "))
             continue;
-        at = head.find_first_not_of(' ', at + name.size() + 1);
-        return head.substr(at, head.find("\r\n", at) - at);
+        head.remove_prefix(name.size() + 2);
+        return head.substr(0, head.find("\r\n"));
     }
     return {};
 }

@@ -21,11 +21,7 @@ bool mustWait() {
 }  // namespace
 
 HostileWire::HostileWire(Fd socket, int stop, std::atomic<uint64_t>& sent)
-    : socket_(std::move(socket)), stop_(stop), sent_(sent) {
-    // Small, so that a body that nobody reads soon stops its sender.
-    const int bufferSize = 16384;
-    setsockopt(socket_.get(), SOL_SOCKET, SO_RCVBUF, &bufferSize, sizeof bufferSize);
-}
+    : socket_(std::move(socket)), stop_(stop), sent_(sent) {}
 
 bool HostileWire::waitFor(short events, int milliseconds) const {
     std::array<pollfd, 2> files{{{stop_, POLLIN, 0}, {socket_.get(), events, 0}}};

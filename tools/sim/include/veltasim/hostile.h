@@ -42,6 +42,7 @@ class HostileDevice {
 
     // -- what happened since the start --
     uint64_t connections() const;  // both ports
+    uint64_t openConnections() const;
     uint64_t bytesSent() const;
     // Request line and headers of what arrived, as far as the trick read them; the first few thousand.
     std::vector<std::string> requests() const;
