@@ -25,5 +25,9 @@ set_tests_properties(sessions PROPERTIES TIMEOUT 600)
 add_test(NAME exports COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/system/check_exports.sh
   $<TARGET_FILE:veltadev> ${CMAKE_SOURCE_DIR}/src/exports.map)
 
+set(built $<TARGET_FILE:veltadev> $<TARGET_FILE:velta-sim>)
+if(VELTA_BUILD_HOST)
+  list(APPEND built $<TARGET_FILE:velta-host>)
+endif()
 add_test(NAME hardening COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/system/check_hardening.sh
-  $<IF:$<CONFIG:Release>,yes,no> $<TARGET_FILE:veltadev> $<TARGET_FILE:velta-host> $<TARGET_FILE:velta-sim>)
+  $<IF:$<CONFIG:Release>,yes,no> ${built})

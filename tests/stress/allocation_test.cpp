@@ -1,5 +1,6 @@
 // Every allocation of the library fails once, and then all of them from there on: the host gets a documented
-// result, nothing is lost for good, and the device is never sent half a document.
+// result, nothing is lost for good, and the device is never sent half a document. Each case runs in a process of its
+// own: a plug-in that was stopped once checks no sessions any more.
 #include <gmock/gmock.h>
 #include <json/json.h>
 #include <sys/wait.h>
@@ -198,6 +199,26 @@ TEST_F(Allocation, refusedInConnecting) {
             EXPECT_THAT(result, AnyOf(VELTA_OK, VELTA_REFUSED, kOutOfMemory));
             EXPECT_EQ(record->DestroyInstance(std::exchange(other, nullptr)), VELTA_OK);
         });
+}
+
+TEST_F(Allocation, refusedInDestroying) {
+    void* other = nullptr;
+    int result = -1;
+    const auto make = [&] {
+        ASSERT_EQ(record->CreateInstance(&other), VELTA_OK);
+        ASSERT_EQ(connectTo(other), VELTA_OK);
+    };
+    make();
+    refuseEach(
+        [&] {
+            const InLibrary call;
+            result = record->DestroyInstance(other);
+        },
+        [&] {
+            EXPECT_EQ(result, VELTA_OK);
+            make();
+        });
+    EXPECT_EQ(record->DestroyInstance(other), VELTA_OK);
 }
 
 TEST_F(Allocation, refusedInConfiguring) {

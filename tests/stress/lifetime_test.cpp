@@ -332,6 +332,8 @@ TEST(Lifetime, theWallClockMayJump) {
     Session& session = *rig.sessions[0];
     Device& device = *rig.devices[0];
     rig.armAll();
+    EXPECT_TRUE(device.waitForRequest(
+        [](const auto& made) { return made.path() == kStreamPath && made.status == 200; }, kDeadline));
     size_t events = 0;
     for (const time_t jump : {time_t{400'000'000}, time_t{-1'500'000'000}, time_t{0}}) {
         wallClockJump = jump;

@@ -5,7 +5,6 @@
 // that are read at once the second is lost by contract. So a paced device sends its next event when the one before
 // has arrived. Events of crowded devices come in bursts, between heartbeats; only their order is checked.
 #include <malloc.h>
-
 #include <veltasim/device.h>
 #include <velta/velta.h>
 
@@ -152,8 +151,8 @@ struct Sample {
 
 void print(double seconds, const Sample& sample, const std::deque<Pair>& pairs) {
     const auto open = std::ranges::count_if(pairs, &Pair::streams);
-    std::printf("%8.0f %10ld %6ld %8ld %8ld %10llu %10llu %10llu %10llu %7llu\n", seconds, sample.resident,
-                sample.descriptors, sample.threads, static_cast<long>(open),
+    std::printf("%8.0f %10ld %10ld %6ld %8ld %8ld %10llu %10llu %10llu %10llu %7llu\n", seconds,
+                sample.resident, sample.heap, sample.descriptors, sample.threads, static_cast<long>(open),
                 static_cast<unsigned long long>(totals.sent),
                 static_cast<unsigned long long>(totals.delivered),
                 static_cast<unsigned long long>(totals.cut), static_cast<unsigned long long>(totals.crowded),
@@ -178,6 +177,7 @@ void judge(std::vector<Sample> samples) {
         double allowed;  // of growth, in parts of the figure: so far two quarters differ by chance
     };
     for (const Row& row : {Row{"resident KiB", &Sample::resident, 0.03},
+                           {"heap KiB", &Sample::heap, 0.03},
                            {"descriptors", &Sample::descriptors, 0.02},
                            {"threads", &Sample::threads, 0.02}}) {
         const long early = most(samples.begin(), row.figure);
@@ -212,8 +212,8 @@ int main(int argc, char** argv) {
     for (unsigned i = 0; i < sessions; ++i)
         pairs.emplace_back(library, i);
 
-    std::printf("%8s %10s %6s %8s %8s %10s %10s %10s %10s %7s\n", "seconds", "KiB", "fds", "threads",
-                "streams", "sent", "delivered", "cut", "crowded", "faults");
+    std::printf("%8s %10s %10s %6s %8s %8s %10s %10s %10s %10s %7s\n", "seconds", "KiB", "heap KiB", "fds",
+                "threads", "streams", "sent", "delivered", "cut", "crowded", "faults");
     Random random(seed);
     std::vector<Sample> samples;
     const auto start = Clock::now();

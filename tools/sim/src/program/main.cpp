@@ -16,6 +16,7 @@
 #include <veltasim/device.h>
 
 #include "fd.h"
+#include "hostile_program.h"
 #include "program/console.h"
 #include "program/printer.h"
 #include "program/settings.h"
@@ -109,8 +110,11 @@ int runCommandLine(int argc, char** argv) {
     Settings settings;
     CLI::App app("Simulated VELTA devices: access controllers to develop against.", "velta-sim");
     addOptions(app, settings);
+    std::string trick;
+    addHostileOption(app, trick);
     try {
         app.parse(argc, argv);
+        if (!trick.empty()) return runHostile(app, trick, settings.device, catchSignals());
         return run(settings);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : kExitBadUsage;
