@@ -13,9 +13,9 @@
 namespace velta {
 
 constexpr int kMaxJsonNesting = 128;
-constexpr size_t kMaxJsonValues = 100'000;
+constexpr size_t kMaxJsonValues = 50'000;
 constexpr int kMaxXmlNesting = 128;
-constexpr int kMaxXmlElements = 65'536;
+constexpr int kMaxXmlElements = 50'000;
 constexpr int kMaxXmlAttributes = 64; /* of one element */
 
 /* Whether the JSON value at the start of text stays within kMaxJsonNesting and kMaxJsonValues. */

@@ -123,9 +123,10 @@ class HeaderWatch {
             line.remove_suffix(1);
         if (line.starts_with("HTTP/")) {
             ended_ = offersDigest_ = offersBasic_ = false;
+            asksForLogIn_ = line.substr(0, line.find(' ', line.find(' ') + 1)).ends_with(" 401");
         } else if (line.empty()) {
             ended_ = true;
-            downgraded_ = offeredDigest_ && offersBasic_ && !offersDigest_;
+            downgraded_ = asksForLogIn_ && offeredDigest_ && offersBasic_ && !offersDigest_;
             offeredDigest_ = offeredDigest_ || offersDigest_;
         } else {
             offersDigest_ = offersDigest_ || challenges(line, "Digest");
@@ -134,19 +135,24 @@ class HeaderWatch {
         return total_ <= kMostHeaderBytes && !downgraded_;
     }
 
+    /* One line may carry several challenges. They are read as libcurl reads them, which takes every comma for
+     * the end of one, since it is libcurl that answers them. */
     static bool challenges(std::string_view line, std::string_view scheme) {
         constexpr std::string_view kName = "WWW-Authenticate:";
+        constexpr std::string_view kBlanks = " \t";
         if (!equalsIgnoringCase(line.substr(0, kName.size()), kName)) return false;
-        // One line may carry several challenges.
-        for (size_t at = kName.size(); at < line.size(); ++at) {
-            if (equalsIgnoringCase(line.substr(at, scheme.size()), scheme)) return true;
+        for (line.remove_prefix(kName.size());; line.remove_prefix(line.find(',') + 1)) {
+            line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
+            const std::string_view word = line.substr(0, line.find_first_of(" \t,"));
+            if (equalsIgnoringCase(word, scheme)) return true;
+            if (line.find(',') == std::string_view::npos) return false;
         }
-        return false;
     }
 
     StallWatch* stall_;
     size_t total_ = 0;
     bool ended_ = false;
+    bool asksForLogIn_ = false;
     bool offersDigest_ = false;
     bool offersBasic_ = false;
     bool offeredDigest_ = false;
@@ -235,7 +241,8 @@ int exchange(const Request& request, const NET_HTTPCLIENT_EXCHANGE& in, NET_HTTP
     setReceiver(easy, &receiver, &headers);
 
     const CURLcode code = easy.perform();
-    if (!answered(code, receiver, headers)) return failWithZero(code);
+    // libcurl is content with an answer that was cut off in its head.
+    if (!answered(code, receiver, headers)) return failWithZero(code == CURLE_OK ? CURLE_PARTIAL_FILE : code);
     out->httpStatus = static_cast<uint32_t>(easy.status());
     out->bufferSize = receiver.length();
     return 1;
