@@ -1,5 +1,6 @@
 // The alert stream parser: events with pictures of several sizes, cut into chunks of several sizes.
 #include <benchmark/benchmark.h>
+#include <json/json.h>
 
 #include <random>
 #include <string>
@@ -20,6 +21,47 @@ std::string eventWithPicture(size_t size) {
            "\r\n\r\n" + picture;
 }
 
+const std::string kEvent =
+    "{\n\t\"ipAddress\":\t\"10.0.0.5\",\n\t\"portNo\":\t80,\n\t\"protocol\":\t\"HTTP\",\n"
+    "\t\"macAddress\":\t\"02:00:0a:00:00:05\",\n\t\"channelID\":\t1,\n\t\"dateTime\":\t\"2026-11-01T10:11:12+"
+    "01:00\",\n"
+    "\t\"activePostCount\":\t1,\n\t\"eventType\":\t\"AccessControllerEvent\",\n\t\"eventState\":\t\"active\","
+    "\n"
+    "\t\"eventDescription\":\t\"Access Controller Event\",\n\t\"AccessControllerEvent\":\t{\n"
+    "\t\t\"deviceName\":\t\"Access Controller 1\",\n\t\t\"major\":\t5,\n\t\t\"minor\":\t75,\n"
+    "\t\t\"name\":\t\"Ada "
+    "Example\",\n\t\t\"cardNo\":\t\"0123456789\",\n\t\t\"cardReaderNo\":\t1,\n\t\t\"doorNo\":\t1,\n"
+    "\t\t\"employeeNoString\":\t\"1001\",\n\t\t\"serialNo\":\t4711,\n\t\t\"picturesNumber\":\t0\n\t}\n}";
+
+void parseEvents(benchmark::State& state) {
+    size_t bytes = 0;
+    velta::AlertStreamParser parser([&](const std::string& message) { bytes += message.size(); });
+    for (const char* line :
+         {"HTTP/1.1 200 OK\r\n", "Content-Type: multipart/mixed; boundary=velta_events\r\n", "\r\n"}) {
+        parser.feed(line);
+    }
+    const std::string part =
+        "--velta_events\r\nContent-Type: application/json; charset=\"UTF-8\"\r\nContent-Length: " +
+        std::to_string(kEvent.size()) + "\r\n\r\n" + kEvent + "\r\n";
+    for (auto _ : state)
+        parser.feed(part);
+    benchmark::DoNotOptimize(bytes);
+}
+BENCHMARK(parseEvents);
+
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+void eventsBare(benchmark::State& state) {
+    for (auto _ : state) {
+        Json::Value root;
+        Json::Reader reader;
+        reader.parse(kEvent.data(), kEvent.data() + kEvent.size(), root);
+        benchmark::DoNotOptimize(Json::FastWriter().write(root));
+    }
+}
+#pragma GCC diagnostic pop
+BENCHMARK(eventsBare);
+
 void parsePictures(benchmark::State& state) {
     const std::string event = eventWithPicture(static_cast<size_t>(state.range(0)));
     const size_t chunk = static_cast<size_t>(state.range(1));
@@ -39,9 +81,28 @@ void parsePictures(benchmark::State& state) {
     if (messages != static_cast<size_t>(state.iterations())) state.SkipWithError("a message is missing");
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * event.size()));
 }
-BENCHMARK(parsePictures)
-    ->ArgNames({"picture", "chunk"})
-    ->ArgsProduct({{10'000, 1'000'000, 10'000'000}, {256, 1024, 16384}})
-    ->Unit(benchmark::kMicrosecond);
+
+/* The same bytes in the same chunks, appended to a buffer that has room for them. */
+void copyPictures(benchmark::State& state) {
+    const std::string event = eventWithPicture(static_cast<size_t>(state.range(0)));
+    const size_t chunk = static_cast<size_t>(state.range(1));
+    std::string buffer;
+    buffer.reserve(event.size());
+    for (auto _ : state) {
+        buffer.clear();
+        for (size_t at = 0; at < event.size(); at += chunk)
+            buffer.append(std::string_view(event).substr(at, chunk));
+        benchmark::DoNotOptimize(buffer.data());
+    }
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * event.size()));
+}
+
+void sizes(benchmark::internal::Benchmark* measured) {
+    measured->ArgNames({"picture", "chunk"})
+        ->ArgsProduct({{10'000, 1'000'000, 10'000'000}, {256, 1024, 16384}})
+        ->Unit(benchmark::kMicrosecond);
+}
+BENCHMARK(parsePictures)->Apply(sizes);
+BENCHMARK(copyPictures)->Apply(sizes);
 
 }  // namespace

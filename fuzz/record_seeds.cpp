@@ -92,7 +92,6 @@ void recordRoutes(const veltasim::Device& device) {
         answersTaken.clear();
         velta::HostRequest request{route.method, std::string(route.path) + "?format=json", {}};
         request.body.text = route.body;
-        if (!velta::parseJson(route.body, request.body.json)) request.body.json = Json::Value();
         std::string answer;
         session.DealwithCommOpt(request, answer);
         write("translator", std::string(1, static_cast<char>(position)) + "1" + route.body + answersTaken);

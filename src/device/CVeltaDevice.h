@@ -122,7 +122,7 @@ class CVeltaDevice final : public CDevBase,
     int DeviceLoop(char* buffer, unsigned int size) override;
     /* Offers a request to the routes of the common operations (gateway/CommonRoutes.cpp). The result code of
      * the route that took it, 0xFFFFFFFF when that set none; nothing when no route takes it. */
-    std::optional<uint32_t> DealwithCommOpt(const velta::HostRequest& request, std::string& answer);
+    std::optional<uint32_t> DealwithCommOpt(velta::HostRequest& request, std::string& answer);
     /* Reads a device's ResponseStatus document. 0: success. Otherwise its error number, with the host's
      * status JSON in answer; 0x60000001, with answer untouched, when the document can't be read. */
     uint32_t parseVELTAResponseStatus(std::string& answer, const std::string& deviceXml);
@@ -319,7 +319,7 @@ class CVeltaDevice final : public CDevBase,
     static size_t endOfHeaders(char* data, size_t size, size_t count, void* session);
 
     uint32_t dispatch(std::string_view text, std::string& answer);
-    uint32_t triggerOutput(const std::string& path, const velta::HostRequest& request);
+    uint32_t triggerOutput(const std::string& path, velta::HostRequest& request);
     uint32_t forwardToDevice(const std::string& path, const std::string& body, unsigned char method,
                              std::string& answer);
 

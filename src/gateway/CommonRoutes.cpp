@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <string_view>
 
 #include "device/CVeltaDevice.h"
 #include "gateway/JsonText.h"
@@ -88,10 +89,26 @@ struct MethodEntry {
     Operation operation;
 };
 
+/* A path in which "%d" stands for a number. */
+struct Pattern {
+    const char* text;
+    size_t fixed; /* characters before the first number */
+
+    consteval Pattern(const char* pattern)
+        : text(pattern), fixed(std::min(std::string_view(text).find('%'), std::string_view(text).size())) {}
+};
+
 struct Route {
-    const char* pattern; /* "%d" stands for a number */
+    Pattern pattern;
     int variables;
     MethodEntry methods[4];
+
+    /* Most requests are forwarded, past the whole table: only where the pattern may fit is it looked at closely. */
+    bool takes(const std::string& path) const {
+        const bool mayFit = variables == 0 ? path.size() == pattern.fixed : path.size() > pattern.fixed;
+        return mayFit && path.compare(0, pattern.fixed, pattern.text, pattern.fixed) == 0 &&
+               velta::CheckUrlWithVariable(path.c_str(), pattern.text, variables);
+    }
 };
 
 /* In the order of matching. */
@@ -155,23 +172,22 @@ uint32_t codeOfAnswer(const std::string& answer) {
 
 }  // namespace
 
-std::optional<uint32_t> CVeltaDevice::DealwithCommOpt(const velta::HostRequest& request,
-                                                      std::string& answer) {
+std::optional<uint32_t> CVeltaDevice::DealwithCommOpt(velta::HostRequest& request, std::string& answer) {
     if (!velta::isJsonURL(request.uri)) {
         xlog_format(XLOG_DEBUG, "VELTADEV", "[%s(%d)] uri is not json formart", __func__, __LINE__);
         return std::nullopt;
     }
     const std::string path = velta::pathOf(request.uri);
     const Route* const route =
-        std::find_if(std::begin(kRoutes), std::end(kRoutes), [&](const Route& candidate) {
-            return velta::CheckUrlWithVariable(path.c_str(), candidate.pattern, candidate.variables);
-        });
+        std::find_if(std::begin(kRoutes), std::end(kRoutes),
+                     [&path](const Route& candidate) { return candidate.takes(path); });
     if (route == std::end(kRoutes)) {
         xlog_format(XLOG_DEBUG, "VELTADEV", "[%s(%d)] uri is not in the common opt", __func__, __LINE__);
         return std::nullopt;
     }
     for (const MethodEntry& method : route->methods) {
         if (method.name == nullptr || request.method != method.name) continue;
+        request.body.readJson();
         const uint32_t code = method.operation(Call{*this, request, path, answer});
         return code == velta::kNoErrorCode ? codeOfAnswer(answer) : code;
     }

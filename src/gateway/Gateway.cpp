@@ -9,6 +9,7 @@
 
 #include "DevPlus/Facade.h"
 #include "device/CVeltaDevice.h"
+#include "gateway/Envelope.h"
 #include "gateway/JsonText.h"
 #include "gateway/ResponseStatus.h"
 #include "gateway/TagText.h"
@@ -25,27 +26,6 @@ constexpr const char* kTriggerPattern = "/VELTA/System/IO/outputs/%d/trigger";
 constexpr char kNoMemory[] = R"({"errorCode":1610612799,"errorMsg":"No memory is requested.","statusCode":6,)"
                              R"("statusString":"Content Error","subStatusCode":"requestMemoryNULL"})"
                              "\n";
-
-std::string_view trimBlanks(std::string_view text) {
-    const size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-bool readEnvelope(std::string_view text, velta::HostRequest& request) {
-    text = trimBlanks(text);
-    Json::Value value;
-    if (!text.starts_with('{') || !velta::parseJson(text, value)) return false;
-    const Json::Value& root = value;
-    const Json::Value& method = root["method"];
-    if (method.isNull() || !method.isConvertibleTo(Json::stringValue)) return false;
-    if (!root["uri"].isString() || !root["body"].isString()) return false;
-    request.method = method.asString();
-    request.uri = root["uri"].asString();
-    request.body.text = root["body"].asString();
-    if (!velta::parseJson(request.body.text, request.body.json)) request.body.json = Json::Value();
-    return true;
-}
 
 }  // namespace
 
@@ -90,7 +70,7 @@ int CVeltaDevice::DeviceLoop(char* buffer, unsigned int size) {
 
 uint32_t CVeltaDevice::dispatch(std::string_view text, std::string& answer) {
     velta::HostRequest request;
-    if (!readEnvelope(text, request)) {
+    if (!velta::readEnvelope(text, request)) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] szConfigJson format is wrong", __func__, __LINE__);
         return VELTA_E_BAD_PARAMETER;
     }
@@ -115,7 +95,7 @@ uint32_t CVeltaDevice::dispatch(std::string_view text, std::string& answer) {
     return forwardToDevice(path, request.body.text, static_cast<unsigned char>(method), answer);
 }
 
-uint32_t CVeltaDevice::triggerOutput(const std::string& path, const velta::HostRequest& request) {
+uint32_t CVeltaDevice::triggerOutput(const std::string& path, velta::HostRequest& request) {
     int number = 0;
     std::sscanf(path.c_str(), kTriggerPattern, &number);
     if (!hasOutput(number)) {
@@ -126,6 +106,7 @@ uint32_t CVeltaDevice::triggerOutput(const std::string& path, const velta::HostR
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] no support url", __func__, __LINE__);
         return VELTA_E_NOT_SUPPORTED;
     }
+    request.body.readJson();
     return veltaSetAlarmOutTrigger(path, request.body.json);
 }
 

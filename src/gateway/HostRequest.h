@@ -1,16 +1,21 @@
 #ifndef VELTA_GATEWAY_HOSTREQUEST_H
 #define VELTA_GATEWAY_HOSTREQUEST_H
 
-#include <json/value.h>
-
 #include <string>
+
+#include "gateway/JsonText.h"
 
 namespace velta {
 
 /* The body of a host's request. Documents that go to the device unchanged are the text. */
 struct HostBody {
     std::string text; /* byte for byte as the host sent it */
-    Json::Value json; /* null when the text is no JSON */
+    Json::Value
+        json; /* null when the text is no JSON, and before it is read: most bodies only pass through */
+
+    void readJson() {
+        if (!parseJson(text, json)) json = Json::Value();
+    }
 };
 
 /* A host's request out of its envelope. */

@@ -49,6 +49,7 @@ Tag readTag(std::string_view text, size_t at) {
 }  // namespace
 
 bool isJsonShapeAllowed(std::string_view text) {
+    if (text.size() <= kMaxJsonNesting) return true;  // nothing nests deeper than it is long
     JsonExtent extent;
     extent.feed(text);
     return extent.deepest() <= kMaxJsonNesting && extent.values() <= kMaxJsonValues;

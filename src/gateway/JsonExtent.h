@@ -29,6 +29,9 @@ class JsonExtent {
  private:
     enum class State { Text, String, Escape, Slash, LineComment, BlockComment, BlockCommentStar, Closed };
 
+    const char* readText(const char* at, const char* end);
+    const char* readString(const char* at, const char* end);
+    void readComment(char c);
     void openBracket();
     void closeBracket();
 

@@ -51,15 +51,20 @@ std::string pathOf(const std::string& uri) {
 
 // The parameter is recognised with its separator, but cut at the first place where its bare name stands.
 bool removeQueryFromUrl(std::string& out, const char* url, const std::string& key) {
-    const std::string text = url;
-    if (text.find("&" + key + "=") == std::string::npos && text.find("?" + key + "=") == std::string::npos)
-        return false;
+    const std::string_view text = url;
+    const auto isParameter = [&](size_t name) {
+        return name > 0 && (text[name - 1] == '&' || text[name - 1] == '?') &&
+               text.substr(name + key.size()).starts_with('=');
+    };
     const size_t at = text.find(key);
-    std::string kept = text.substr(0, at > 0 ? at - 1 : 0);
+    size_t parameter = at;
+    while (parameter != std::string_view::npos && !isParameter(parameter))
+        parameter = text.find(key, parameter + 1);
+    if (parameter == std::string_view::npos) return false;
     size_t next = text.find('&', at);
-    if (next == std::string::npos) next = text.find('?', at);
-    if (next != std::string::npos) kept += text.substr(next);
-    out = std::move(kept);
+    if (next == std::string_view::npos) next = text.find('?', at);
+    out.assign(text.substr(0, at > 0 ? at - 1 : 0));
+    if (next != std::string_view::npos) out.append(text.substr(next));
     return true;
 }
 
