@@ -127,7 +127,7 @@ uint32_t CVeltaDevice::forwardToDevice(const std::string& path, const std::strin
         }
     }
     const int32_t sent = sendHttpReqToDevice(answer, path, body, method, "");
-    xlog_format(sent == 0 ? XLOG_INFO : XLOG_ERROR, "VELTADEV", "[%s(%d)] request to [%s] [%d]", __func__,
-                __LINE__, connection().address().c_str(), sent);
+    xlog_format(sent == 0 ? XLOG_INFO : XLOG_ERROR, "VELTADEV", "[%s(%d)] request [%s] [%d]", __func__,
+                __LINE__, path.c_str(), sent);
     return velta::kNoErrorCode;
 }

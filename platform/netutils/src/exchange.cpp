@@ -128,7 +128,8 @@ class HeaderWatch {
             ended_ = true;
             downgraded_ = asksForLogIn_ && offeredDigest_ && offersBasic_ && !offersDigest_;
             offeredDigest_ = offeredDigest_ || offersDigest_;
-        } else {
+        } else if (equalsIgnoringCase(line.substr(0, kChallenge.size()), kChallenge)) {
+            line.remove_prefix(kChallenge.size());
             offersDigest_ = offersDigest_ || challenges(line, "Digest");
             offersBasic_ = offersBasic_ || challenges(line, "Basic");
         }
@@ -138,16 +139,14 @@ class HeaderWatch {
     /* One line may carry several challenges. They are read as libcurl reads them, which takes every comma for
      * the end of one, since it is libcurl that answers them. */
     static bool challenges(std::string_view line, std::string_view scheme) {
-        constexpr std::string_view kName = "WWW-Authenticate:";
-        constexpr std::string_view kBlanks = " \t";
-        if (!equalsIgnoringCase(line.substr(0, kName.size()), kName)) return false;
-        for (line.remove_prefix(kName.size());; line.remove_prefix(line.find(',') + 1)) {
-            line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
-            const std::string_view word = line.substr(0, line.find_first_of(" \t,"));
-            if (equalsIgnoringCase(word, scheme)) return true;
+        for (;; line.remove_prefix(line.find(',') + 1)) {
+            line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+            if (equalsIgnoringCase(line.substr(0, line.find_first_of(" \t,")), scheme)) return true;
             if (line.find(',') == std::string_view::npos) return false;
         }
     }
+
+    static constexpr std::string_view kChallenge = "WWW-Authenticate:";
 
     StallWatch* stall_;
     size_t total_ = 0;
