@@ -75,6 +75,7 @@ void bare(const Case& c, const std::string& url, const std::string& hostAnswer) 
     for (int i = 0; i < c.exchanges; ++i) {
         answer = bareExchange(c.method, url + path, c.exchanges == 1 ? c.body : single);
         if (c.json && answer.starts_with('{')) bareJson(answer);
+        if (c.exchanges > 1) bareJson(single);
     }
     if (!c.json) return;
     if (!c.body.empty()) bareJson(c.body);

@@ -71,20 +71,24 @@ void setIfAbsent(Json::Value& object, const char* name, const Json::Value& value
     if (!object.isMember(name)) object[name] = value;
 }
 
+/* Passage at the first door at any time. */
+Json::Value everyTime() {
+    Json::Value plan;
+    plan["doorNo"] = 1;
+    plan["planTemplateNo"] = "1";
+    Json::Value plans(Json::arrayValue);
+    plans.append(std::move(plan));
+    return plans;
+}
+
 /* The document that adds one person of a batch, with what the host left out. */
 std::string personDocument(const Json::Value& item) {
-    Json::Value everyTime;
-    everyTime["doorNo"] = 1;
-    everyTime["planTemplateNo"] = "1";
-    Json::Value plans(Json::arrayValue);
-    plans.append(std::move(everyTime));
-
     Json::Value root;
     Json::Value& person = root["UserInfo"] = item;
     setIfAbsent(person, "userType", "normal");
     setIfAbsent(person["Valid"], "enable", true);
     setIfAbsent(person, "doorRight", "1");
-    setIfAbsent(person, "RightPlan", plans);
+    if (!person.isMember("RightPlan")) person["RightPlan"] = everyTime();
     return velta::writeJson(root);
 }
 
