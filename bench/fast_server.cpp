@@ -151,18 +151,35 @@ class Loop {
             ++shared_.streams;
         } else {
             const std::string& body = answerTo(path);
-            if (path == kCheckPath) ++shared_.checks;
+            if (path == kCheckPath) noteCheck(fd);
             sendAll(fd, "HTTP/1.1 200 OK\r\nContent-Type: application/xml\r\nContent-Length: " +
                             std::to_string(body.size()) + "\r\n\r\n" + body);
         }
     }
 
+    void noteCheck(int fd) {
+        ++shared_.checks;
+        const in_addr_t address = ntohl(localAddress(fd).sin_addr.s_addr);
+        const int device = static_cast<int>(address >> 8 & 255) * 250 + static_cast<int>(address & 255) - 1;
+        if (device < 0 || device >= kWatched) return;
+        for (std::atomic<int64_t>& time : shared_.checkedAt[device]) {
+            if (time != 0) continue;
+            time = now();
+            return;
+        }
+    }
+
+    static sockaddr_in localAddress(int fd) {
+        sockaddr_in local{};
+        socklen_t size = sizeof local;
+        getsockname(fd, reinterpret_cast<sockaddr*>(&local), &size);
+        return local;
+    }
+
     void emit(uint32_t pictureBytes) {
         for (auto& [fd, connection] : connections_) {
             if (!connection.stream) continue;
-            sockaddr_in local{};
-            socklen_t size = sizeof local;
-            getsockname(fd, reinterpret_cast<sockaddr*>(&local), &size);
+            const sockaddr_in local = localAddress(fd);
             char address[INET_ADDRSTRLEN];
             inet_ntop(AF_INET, &local.sin_addr, address, sizeof address);
             const std::string bytes = eventBytes(address, ntohs(local.sin_port), pictureBytes);
@@ -235,6 +252,39 @@ const std::string& answerTo(const std::string& path) {
     return answer->second;
 }
 
+namespace {
+
+int listenOn(int backlog, uint16_t& port) {
+    const int listening = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in local{};
+    local.sin_family = AF_INET;
+    socklen_t size = sizeof local;
+    if (bind(listening, reinterpret_cast<sockaddr*>(&local), size) != 0 || listen(listening, backlog) != 0 ||
+        getsockname(listening, reinterpret_cast<sockaddr*>(&local), &size) != 0) {
+        return -1;
+    }
+    port = ntohs(local.sin_port);
+    return listening;
+}
+
+}  // namespace
+
+/* One connection that nobody accepts fills the queue: the system then drops all further attempts. */
+void FastServer::block() {
+    deadSockets_[0] = listenOn(0, deadPort_);
+    deadSockets_[1] = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in there{};
+    there.sin_family = AF_INET;
+    there.sin_port = htons(deadPort_);
+    there.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (connect(deadSockets_[1], reinterpret_cast<sockaddr*>(&there), sizeof there) != 0) std::abort();
+}
+
+int64_t FastServer::betweenChecks(int device) const {
+    const int64_t second = shared_->checkedAt[device][1];
+    return second == 0 ? 0 : second - shared_->checkedAt[device][0];
+}
+
 FastServer::FastServer() {
     rlimit files{};
     getrlimit(RLIMIT_NOFILE, &files);
@@ -243,18 +293,10 @@ FastServer::FastServer() {
 
     shared_ = static_cast<Shared*>(
         mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-    const int listening = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in local{};
-    local.sin_family = AF_INET;
-    socklen_t size = sizeof local;
+    const int listening = listenOn(4096, port_);
     int orders[2];
-    if (shared_ == MAP_FAILED || bind(listening, reinterpret_cast<sockaddr*>(&local), size) != 0 ||
-        listen(listening, 4096) != 0 ||
-        getsockname(listening, reinterpret_cast<sockaddr*>(&local), &size) != 0 ||
-        pipe2(orders, O_CLOEXEC) != 0) {
-        std::abort();
-    }
-    port_ = ntohs(local.sin_port);
+    if (shared_ == MAP_FAILED || listening < 0 || pipe2(orders, O_CLOEXEC) != 0) std::abort();
+    block();
     child_ = fork();
     if (child_ == 0) {
         close(orders[1]);
@@ -268,6 +310,8 @@ FastServer::FastServer() {
 
 FastServer::~FastServer() {
     close(orders_);
+    for (const int fd : deadSockets_)
+        close(fd);
     waitpid(child_, nullptr, 0);
     munmap(shared_, sizeof(Shared));
 }

@@ -17,6 +17,8 @@ constexpr const char* kPassword = "velta-sim-1";
 /* The address of device number i: each has an address of its own, all share one port and one listening socket. */
 std::string addressOf(int device);
 
+constexpr int kWatched = 250; /* devices whose checks are timed */
+
 class FastServer {
  public:
     /* Starts the child; call it while the process has one thread. */
@@ -26,10 +28,14 @@ class FastServer {
     FastServer& operator=(const FastServer&) = delete;
 
     uint16_t port() const { return port_; }
+    /* A port that answers no attempt to connect, like the address of a device that is gone. */
+    uint16_t deadPort() const { return deadPort_; }
     /* Alert streams that are open now. */
     uint32_t streams() const { return shared_->streams; }
     /* Online checks that were answered so far. */
     uint32_t checks() const { return shared_->checks; }
+    /* Nanoseconds between the first and the second online check of one of the first devices; 0 before. */
+    int64_t betweenChecks(int device) const;
     /* Sends one event on every open stream. The last KiB of an event goes out when the rest has been read. */
     void emit(uint32_t pictureBytes);
     /* When the last bytes of the last event went out: nanoseconds of the monotonic clock. */
@@ -39,13 +45,18 @@ class FastServer {
         std::atomic<uint32_t> streams;
         std::atomic<uint32_t> checks;
         std::atomic<int64_t> lastByteSentAt;
+        std::atomic<int64_t> checkedAt[kWatched][2];
     };
 
  private:
+    void block();
+
     Shared* shared_;
     pid_t child_ = 0;
     int orders_ = -1;
     uint16_t port_ = 0;
+    uint16_t deadPort_ = 0;
+    int deadSockets_[2] = {-1, -1};
 };
 
 /* The JSON of an event as the server sends it, for a device at address. */

@@ -1,6 +1,10 @@
 // Holds armed sessions, or as many bare streams, in a process of its own and says what they cost.
 //
-// velta-bench-hold plugin|bare PORT COUNT: each line of its input asks for one line of figures:
+// velta-bench-hold plugin|bare PORT COUNT
+// velta-bench-hold offline PORT COUNT DEADPORT DEAD FIRST: sessions that are only checked, DEAD of them without a
+// device, the first of them for device FIRST.
+//
+// Each line of its input asks for one line of figures:
 //   "resident"  KiB of memory, threads         "processor"  microseconds used so far
 //   "events"    events that have arrived       "end"        milliseconds that the end of all takes; the last
 // The first line comes by itself when all have been started: KiB before the first.
@@ -12,6 +16,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <map>
 #include <memory>
 #include <thread>
 
@@ -63,22 +68,27 @@ Table* table(const host::Library& library, void* instance, const char* key) {
     return static_cast<Table*>(found);
 }
 
-void holdSessions(int port, int count) {
+void connect(const host::Library& library, void*& instance, const std::string& key,
+             const std::string& address, int port) {
+    std::string user = bench::kUser;
+    std::string password = bench::kPassword;
+    std::string url =
+        "Connect=TCP/IP;Target=" + address + ";Port=" + std::to_string(port) + ";DevIndex=" + key + ";";
+    library.record->CreateInstance(&instance);
+    table<VELTA_ConnectTable>(library, instance, VELTA_KEY_CONNECT)
+        ->Connect_V2(instance, url.data(), user.data(), password.data());
+}
+
+void holdSessions(const std::vector<int>& numbers) {
+    const int port = numbers.at(0);
+    const int count = numbers.at(1);
     host::Library library;
     library.record->Init();
     library.setConfig("SetEventSub", "1");
     const long before = statusFigure("VmRSS");
     std::vector<void*> instances(static_cast<size_t>(count));
-    std::string user = bench::kUser;
-    std::string password = bench::kPassword;
-    for (int i = 0; i < count; ++i) {
-        void*& instance = instances[static_cast<size_t>(i)];
-        library.record->CreateInstance(&instance);
-        std::string url = "Connect=TCP/IP;Target=" + bench::addressOf(i) + ";Port=" + std::to_string(port) +
-                          ";DevIndex=" + std::to_string(i) + ";";
-        table<VELTA_ConnectTable>(library, instance, VELTA_KEY_CONNECT)
-            ->Connect_V2(instance, url.data(), user.data(), password.data());
-    }
+    for (int i = 0; i < count; ++i)
+        connect(library, instances[static_cast<size_t>(i)], std::to_string(i), bench::addressOf(i), port);
     for (void* instance : instances) {
         int status = -1;
         while (status != VELTA_STATUS_ONLINE) {
@@ -95,6 +105,32 @@ void holdSessions(int port, int count) {
             library.record->DestroyInstance(instance);
         library.record->Uninit();
     });
+}
+
+void holdOffline(const std::vector<int>& numbers) {
+    const int port = numbers.at(0);
+    const int count = numbers.at(1);
+    const int deadPort = numbers.at(2);
+    const int dead = numbers.at(3);
+    host::Library library;
+    library.record->Init();
+    reinterpret_cast<void (*)(int)>(library.symbol("xlog_set_level"))(6);  // silence about devices that are gone
+    const long before = statusFigure("VmRSS");
+    std::vector<void*> instances(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        void*& instance = instances[static_cast<size_t>(i)];
+        const std::string key = std::to_string(i);
+        if (i == 0) {
+            connect(library, instance, key, bench::addressOf(numbers.at(4)), port);
+        } else if (i <= dead) {
+            connect(library, instance, key, "127.0.0.1", deadPort);
+        } else {
+            connect(library, instance, key, bench::addressOf(bench::kWatched + i), port);
+        }
+    }
+    std::cout << before << std::endl;
+    obey([] {});
+    std::quick_exit(0);  // without waiting for the check that is under way
 }
 
 size_t ignore(char*, size_t, size_t count, void*) {
@@ -115,7 +151,9 @@ void* runStream(void* url) {
     return nullptr;
 }
 
-void holdStreams(int port, int count) {
+void holdStreams(const std::vector<int>& numbers) {
+    const int port = numbers.at(0);
+    const int count = numbers.at(1);
     curl_global_init(CURL_GLOBAL_DEFAULT);
     const long before = statusFigure("VmRSS");
     std::vector<std::unique_ptr<std::string>> urls;
@@ -136,10 +174,17 @@ void holdStreams(int port, int count) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 4) {
-        std::cerr << "usage: velta-bench-hold plugin|bare PORT COUNT\n";
+    const std::map<std::string, void (*)(const std::vector<int>&)> modes{
+        {"plugin", holdSessions}, {"bare", holdStreams}, {"offline", holdOffline}};
+    const auto mode = modes.find(argc > 1 ? argv[1] : "");
+    std::vector<int> numbers;
+    for (int i = 2; i < argc; ++i)
+        numbers.push_back(std::atoi(argv[i]));
+    if (mode == modes.end() || numbers.size() != (mode->first == "offline" ? 5 : 2)) {
+        std::cerr << "usage: velta-bench-hold plugin|bare PORT COUNT\n"
+                     "       velta-bench-hold offline PORT COUNT DEADPORT DEAD FIRST\n";
         return 2;
     }
-    (std::string(argv[1]) == "plugin" ? holdSessions : holdStreams)(std::atoi(argv[2]), std::atoi(argv[3]));
+    mode->second(numbers);
     return 0;
 }

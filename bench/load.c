@@ -1,4 +1,4 @@
-/* Loads a library in a fresh process that has nothing else in it, and says how long that took.
+/* Loads a library in a fresh process, and says how long that took.
  *
  * velta-bench-load plugin|bare PATH prints: milliseconds, threads and sockets before Init. */
 #include <dirent.h>

@@ -38,12 +38,16 @@ int main(int argc, char** argv) {
     std::string single;
     int sessions = 2000;
     bool markdown = false;
+    bool curve = false;
     app.add_option("--only", only, "Measure these parts: code, delivery, requests, sessions, loading")
         ->check(CLI::IsMember({"code", "delivery", "requests", "sessions", "loading"}));
     app.add_option("--sessions", sessions, "Number of armed sessions")
         ->check(CLI::Range(1, 20000))
         ->capture_default_str();
     app.add_flag("--markdown", markdown, "Print the table as Markdown");
+    app.add_flag("--curve", curve,
+                 "Measure by the number of sessions how long it takes until a device is looked at again (ten "
+                 "minutes)");
     app.add_option(
         "--single", single,
         "Run the benchmarks whose names match this expression by themselves, without the table (\"hostile\": "
@@ -59,6 +63,10 @@ int main(int argc, char** argv) {
                 "--benchmark_enable_random_interleaving=true"});
 
     bench::FastServer server;  // forks: before there are threads
+    if (curve) {
+        bench::printCheckCurve(server);
+        return 0;
+    }
     const Part parts[] = {
         {"code", bench::codeRows},
         {"delivery", [&] { return bench::deliveryRows(server); }},

@@ -14,4 +14,7 @@ Rows requestRows(const FastServer& server);
 Rows sessionRows(FastServer& server, int count);
 Rows loadingRows();
 
+/* Prints a table of its own; takes some ten minutes. */
+void printCheckCurve(const FastServer& server);
+
 }  // namespace bench
