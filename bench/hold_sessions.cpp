@@ -114,7 +114,8 @@ void holdOffline(const std::vector<int>& numbers) {
     const int dead = numbers.at(3);
     host::Library library;
     library.record->Init();
-    reinterpret_cast<void (*)(int)>(library.symbol("xlog_set_level"))(6);  // silence about devices that are gone
+    reinterpret_cast<void (*)(int)>(library.symbol("xlog_set_level"))(
+        6);  // silence about devices that are gone
     const long before = statusFigure("VmRSS");
     std::vector<void*> instances(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {

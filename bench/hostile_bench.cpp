@@ -32,7 +32,7 @@ std::string repeated(const std::string& unit, int times) {
 
 std::string manyNames() {
     std::string text = "{";
-    for (int i = 0; text.size() < kMiB - 20; ++i)
+    for (int i = 0; i < static_cast<int>(velta::kMaxJsonValues) - 2; ++i)
         text += "\"k" + std::to_string(i * 7919 % 100003) + "\":1,";
     return text + "\"z\":1}";
 }
