@@ -25,7 +25,9 @@ std::string withHostParameter(const std::string& uri) {
 
 Host::Host(const CommonOptions& given)
     : options(given),
-      console(given.json ? Console::Format::JsonLines : Console::Format::Text, given.logLevel == "off") {}
+      console(given.json ? Console::Format::JsonLines : Console::Format::Text, given.logLevel == "off"),
+      trace(given.trace.empty() ? nullptr
+                                : std::make_unique<Trace>(given.trace, given.keepInTrace, console)) {}
 
 void Host::loadPlugin() {
     const std::string path = options.library.empty() ? besideProgram("libveltadev.so") : options.library;
@@ -33,6 +35,7 @@ void Host::loadPlugin() {
 }
 
 Session& Host::add(const DeviceAddress& device) {
+    if (trace) trace->follow(device);
     return *sessions.emplace_back(std::make_unique<Session>(*plugin, sessions.size(), device, inbox));
 }
 

@@ -9,6 +9,7 @@
 #include "inbox.h"
 #include "options.h"
 #include "plugin.h"
+#include "trace/trace.h"
 #include "waiter.h"
 
 namespace host {
@@ -35,6 +36,7 @@ struct Host {
     Console console;
     Waiter waiter;
     Inbox inbox{waiter};
+    std::unique_ptr<Trace> trace;  // null: nobody has asked for one
     std::unique_ptr<Plugin> plugin;
     std::vector<std::unique_ptr<Session>> sessions;
 };

@@ -18,6 +18,7 @@ Examples:
   velta-host time --device 192.168.1.20 --set
   velta-host persons import --device 192.168.1.20 staff.csv
   velta-host doors open 2 --device 192.168.1.20
+  velta-host status --device 192.168.1.20 --trace door.har   what was said, to look at or to take home
   velta-host COMMAND --help                             options and examples of a command
 
 Exit codes:

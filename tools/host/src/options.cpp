@@ -57,6 +57,20 @@ void addCommonOptions(CLI::App& app, CommonOptions& options) {
         ->capture_default_str()
         ->group(kGroup);
     app.add_flag("--json", options.json, "Print JSON, one object per line")->group(kGroup);
+    auto* trace =
+        app.add_option("--trace", options.trace,
+                       "Keep every exchange with devices in this file, an HTTP archive (HAR) that browsers' "
+                       "developer tools open; passwords, PINs, pictures and fingerprints are left out")
+            ->type_name("FILE")
+            ->group(kGroup);
+    app.add_flag("--trace-secrets", options.keepInTrace.secrets,
+                 "Log-ins, passwords and PINs stay in the trace")
+        ->needs(trace)
+        ->group(kGroup);
+    app.add_flag("--trace-pictures", options.keepInTrace.pictures,
+                 "Pictures and fingerprints stay in the trace")
+        ->needs(trace)
+        ->group(kGroup);
 }
 
 void addLoginOptions(CLI::App& app, LoginOptions& options) {

@@ -7,6 +7,7 @@
 
 #include "device_address.h"
 #include "plugin.h"
+#include "trace/left_out.h"
 
 namespace host {
 
@@ -14,6 +15,8 @@ struct CommonOptions {
     std::string library;
     std::string logLevel = "off";
     bool json = false;
+    std::string trace;  // file; empty: none
+    Keep keepInTrace;
 };
 
 struct LoginOptions {

@@ -21,7 +21,8 @@ AlertStreams::AlertStreams(const Options& options, Outlets& outlets, Faults& fau
 }
 
 void AlertStreams::open(Exchange& exchange, uint16_t devicePort) {
-    const Subscriber subscriber{exchange.localAddress(), devicePort, std::string(exchange.record.path())};
+    const Subscriber subscriber{exchange.clientAddress(), exchange.began(), exchange.localAddress(),
+                                devicePort, std::string(exchange.record.path())};
     const Outlets::Id id = outlets_.open(exchange, [this](Outlets::Id gone) { onClosed(gone); });
 
     const std::lock_guard lock(mutex_);
@@ -43,7 +44,6 @@ void AlertStreams::send(const AccessEvent& event, uint64_t serialNo) {
 }
 
 void AlertStreams::send(const Alarm& alarm) {
-    requireJson(alarm.moreMembers);
     const std::lock_guard lock(mutex_);
     broadcast([&](const Sender& sender) { return alarmPart(alarm, sender); });
 }
@@ -82,6 +82,16 @@ void AlertStreams::cut() {
 size_t AlertStreams::count() const {
     const std::lock_guard lock(mutex_);
     return subscribers_.size();
+}
+
+std::vector<SubscriberView> AlertStreams::subscribers() const {
+    const auto now = std::chrono::steady_clock::now();
+    std::vector<SubscriberView> views;
+    const std::lock_guard lock(mutex_);
+    for (const auto& [id, subscriber] : subscribers_)
+        views.push_back({subscriber.client, subscriber.path,
+                         std::chrono::floor<std::chrono::seconds>(now - subscriber.since)});
+    return views;
 }
 
 bool AlertStreams::waitForCount(size_t count, std::chrono::milliseconds timeout) const {

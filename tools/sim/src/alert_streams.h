@@ -41,11 +41,14 @@ class AlertStreams {
     void cut();  // [loop thread]
 
     size_t count() const;
+    std::vector<SubscriberView> subscribers() const;
     bool waitForCount(size_t count, std::chrono::milliseconds timeout) const;
     uint64_t lostEvents() const;
 
  private:
     struct Subscriber {
+        std::string client;
+        std::chrono::steady_clock::time_point since;
         std::string ipAddress;
         uint16_t port;
         std::string path;

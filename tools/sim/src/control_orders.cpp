@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "control_events.h"
+#include "control_views.h"
+#include "url.h"
 
 namespace veltasim {
 namespace {
@@ -15,70 +18,6 @@ Fault faultFrom(const Json::Value& json) {
     fault->path = json["path"].asString();
     fault->count = json.get("count", Fault::kForEver).asUInt();
     return *fault;
-}
-
-Json::Value toJson(const Fault& fault) {
-    Json::Value json;
-    json["kind"] = std::string(nameOf(fault.kind));
-    json["amount"] = Json::Int64(fault.amount);
-    json["path"] = fault.path;
-    json["count"] = fault.count;
-    return json;
-}
-
-Json::Value toJson(const RequestRecord& record) {
-    Json::Value json;
-    json["number"] = Json::UInt64(record.number);
-    json["method"] = record.method;
-    json["target"] = record.target;
-    json["headers"] = Json::arrayValue;
-    for (const auto& [name, value] : record.headers)
-        json["headers"].append(std::string(name).append(": ").append(value));
-    json["body"] = record.body;
-    json["status"] = record.status;
-    json["user"] = record.user;
-    json["microseconds"] = Json::Int64(record.duration.count());
-    return json;
-}
-
-Json::Value listDevices(const Order& order) {
-    Json::Value list = Json::arrayValue;
-    for (const Device* device : order.devices) {
-        Json::Value json;
-        json["url"] = device->url();
-        json["name"] = device->deviceName();
-        json["on"] = device->isOn();
-        json["locked"] = device->isLocked();
-        json["streams"] = Json::UInt64(device->streamCount());
-        json["time"] = Json::Int64(device->deviceTime().time_since_epoch().count());
-        json["timeZone"] = device->timeZone();
-        json["outputsHigh"] = Json::arrayValue;
-        for (int i = 1; i <= static_cast<int>(device->options().inventory.ioOutputs.value_or(0)); ++i) {
-            if (device->outputIsHigh(i)) json["outputsHigh"].append(i);
-        }
-        json["doorsOpen"] = Json::arrayValue;
-        for (unsigned i = 1; i <= device->options().doors; ++i) {
-            if (device->doorIsOpen(i)) json["doorsOpen"].append(i);
-        }
-        json["lostEvents"] = Json::UInt64(device->lostEvents());
-        list.append(json);
-    }
-    return list;
-}
-
-Json::Value listRequests(const Order& order) {
-    Json::Value list = Json::arrayValue;
-    for (const RequestRecord& record : order.devices.front()->requests()) {
-        if (record.number > order.after) list.append(toJson(record));
-    }
-    return list;
-}
-
-Json::Value listFaults(const Order& order) {
-    Json::Value list = Json::arrayValue;
-    for (const Fault& fault : order.devices.front()->faults())
-        list.append(toJson(fault));
-    return list;
 }
 
 Json::Value forgetRequests(const Order& order) {
@@ -97,6 +36,13 @@ Json::Value setFault(const Order& order) {
 Json::Value clearFaults(const Order& order) {
     for (Device* device : order.devices)
         device->clearFaults();
+    return Json::objectValue;
+}
+
+Json::Value endFault(const Order& order) {
+    const FaultKind kind = faultFrom(order.body).kind;
+    for (Device* device : order.devices)
+        device->clearFaults(kind);
     return Json::objectValue;
 }
 
@@ -194,16 +140,27 @@ Json::Value presentFace(const Order& order) {
                                                      order.body.get("reader", 1U).asUInt()));
 }
 
+Json::Value commandDoor(const Order& order) {
+    order.devices.front()->commandDoor(order.body["doorNo"].asUInt(), order.body["command"].asString());
+    return Json::objectValue;
+}
+
 constexpr std::array kCommands{
     Command{"GET", "/control/devices", listDevices, true},
+    Command{"GET", "/control/overview", showOverview, false},
+    Command{"GET", "/control/persons", listPersons, false},
+    Command{"GET", "/control/events", listEvents, false},
     Command{"GET", "/control/requests", listRequests, false},
+    Command{"GET", "/control/request", showRequest, false},
     Command{"DELETE", "/control/requests", forgetRequests, true},
     Command{"GET", "/control/faults", listFaults, false},
     Command{"POST", "/control/fault", setFault, true},
+    Command{"DELETE", "/control/fault", endFault, true},
     Command{"DELETE", "/control/faults", clearFaults, true},
     Command{"POST", "/control/event", sendEvents, true},
     Command{"POST", "/control/card", presentCard, false},
     Command{"POST", "/control/face", presentFace, false},
+    Command{"POST", "/control/door", commandDoor, false},
     Command{"POST", "/control/power", switchPower, true},
     Command{"POST", "/control/streams", endStreams, true},
     Command{"POST", "/control/lock", lockUser, true},
@@ -213,6 +170,20 @@ constexpr std::array kCommands{
 };
 
 }  // namespace
+
+std::string Order::text(const char* name) const {
+    return queryValue(target, name);
+}
+
+uint64_t Order::number(const char* name, uint64_t otherwise) const {
+    const std::string digits = text(name);
+    if (digits.empty()) return otherwise;
+    uint64_t number = 0;
+    const char* end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, number);
+    if (error != std::errc() || stop != end) throw ControlRefused(400, "not a number: " + digits);
+    return number;
+}
 
 const Command* findCommand(std::string_view method, std::string_view path) {
     const auto* command = std::find_if(kCommands.begin(), kCommands.end(), [&](const Command& row) {

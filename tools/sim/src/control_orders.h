@@ -3,6 +3,7 @@
 #include <json/json.h>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,7 +16,11 @@ using Devices = std::vector<Device*>;
 struct Order {
     const Devices& devices;  // those that it is for
     const Json::Value& body;
-    uint64_t after;
+    std::string_view target;
+
+    // Parameters of the query.
+    std::string text(const char* name) const;
+    uint64_t number(const char* name, uint64_t otherwise) const;
 };
 
 struct Command {

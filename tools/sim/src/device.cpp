@@ -95,6 +95,9 @@ Passage Device::presentCard(const std::string& cardNo, unsigned reader) {
 Passage Device::presentFace(const std::string& employeeNo, unsigned reader) {
     return impl_->presentFace(employeeNo, reader);
 }
+void Device::commandDoor(unsigned door, const std::string& command) {
+    impl_->commandDoor(door, command);
+}
 bool Device::doorIsOpen(unsigned door) const {
     return impl_->withState([door](const State& state) {
         const std::vector<Door>& doors = state.access.doors;
@@ -105,8 +108,8 @@ bool Device::doorIsOpen(unsigned door) const {
 void Device::setFault(const Fault& fault) {
     impl_->faults.add(fault);
 }
-void Device::clearFaults() {
-    impl_->clearFaults();
+void Device::clearFaults(std::optional<FaultKind> kind) {
+    impl_->clearFaults(kind);
 }
 std::vector<Fault> Device::faults() const {
     return impl_->faults.all();

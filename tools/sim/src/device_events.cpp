@@ -24,6 +24,13 @@ LoggedEvent logged(const AccessEvent& event, uint64_t serialNo, const Clock& clo
     return entry;
 }
 
+Report reportOf(const Alarm& alarm, const Clock& clock) {
+    Alarm kept = alarm;
+    kept.picture.clear();
+    if (kept.dateTime.empty()) kept.dateTime = clock.localTime();
+    return {.event = std::move(kept), .picture = builtInPicture(alarm.picture)};
+}
+
 }  // namespace
 
 // It is in the log before anybody hears of it.
@@ -31,7 +38,11 @@ uint64_t Device::Impl::report(const AccessEvent& event) {
     requireJson(event.moreMembers);
     const std::lock_guard lock(reportMutex_);
     const uint64_t serialNo = streams.nextSerialNo();
-    withState([&](State& state) { state.access.log.add(logged(event, serialNo, state.clock)); });
+    withState([&](State& state) {
+        LoggedEvent entry = logged(event, serialNo, state.clock);
+        journal.add({.serialNo = serialNo, .event = entry.event, .picture = entry.picture});
+        state.access.log.add(std::move(entry));
+    });
     streams.send(event, serialNo);
     postToHosts([&](const EventHost& host) { return host.takesAccessEvent(event.minor); },
                 [&](const Sender& sender) { return accessEventPart(event, serialNo, sender); });
@@ -39,7 +50,9 @@ uint64_t Device::Impl::report(const AccessEvent& event) {
 }
 
 void Device::Impl::report(const Alarm& alarm) {
+    requireJson(alarm.moreMembers);
     const std::lock_guard lock(reportMutex_);
+    journal.add(withState([&](const State& state) { return reportOf(alarm, state.clock); }));
     streams.send(alarm);
     postToHosts([](const EventHost& host) { return host.takesAll; },
                 [&](const Sender& sender) { return alarmPart(alarm, sender); });
@@ -59,6 +72,18 @@ void Device::Impl::postToHosts(Predicate takes, const std::function<Message(cons
 void Device::Impl::followHosts() {
     poster.enable(isOn &&
                   withState([](const State& state) { return !state.access.eventHosts.hosts().empty(); }));
+}
+
+void Device::Impl::commandDoor(unsigned door, const std::string& command) {
+    if (!isOn) throw std::invalid_argument("the device is off");
+    const auto known = doorCommand(command);
+    if (!known) throw std::invalid_argument("no such command: " + command);
+    withState([&](State& state) {
+        std::vector<Door>& doors = state.access.doors;
+        if (door < 1 || door > doors.size())
+            throw std::invalid_argument("no such door: " + std::to_string(door));
+        obey(doors[door - 1], *known, state.clock.now());
+    });
 }
 
 Passage Device::Impl::presentCard(const std::string& cardNo, unsigned reader) {

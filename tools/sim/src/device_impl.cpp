@@ -32,6 +32,7 @@ Chunk lastChunk(const Reply& reply, const std::optional<Fault>& fault) {
 
 void Device::Impl::start() {
     listener_.emplace(options.bindAddress, options.port);
+    if (options.recording) replay_.emplace(options, loop_, outlets);
     switchOn();
     loop_.start();
 }
@@ -73,8 +74,8 @@ void Device::Impl::cutStreams() {
     loop_.call([this] { streams.cut(); });
 }
 
-void Device::Impl::clearFaults() {
-    faults.clear();
+void Device::Impl::clearFaults(std::optional<FaultKind> kind) {
+    faults.clear(kind);
     loop_.call([this] { outlets.cutSilent(); });
 }
 
@@ -86,8 +87,13 @@ std::string Device::Impl::saveState() {
 void Device::Impl::loadState(const std::string& text) {
     {
         const std::lock_guard lock(reportMutex_);
-        withState([&](State& state) { streams.continueAfter(stateFromText(state, options, text)); });
+        withState([&](State& state) {
+            streams.continueAfter(stateFromText(state, options, text));
+            for (const LoggedEvent& logged : state.access.log.events())
+                journal.add({.serialNo = logged.serialNo, .event = logged.event, .picture = logged.picture});
+        });
     }
+    ++changes;
     loop_.call([this] { followHosts(); });
 }
 
@@ -112,13 +118,19 @@ void Device::Impl::note(Exchange& exchange, int status) {
     if (options.onRequest) options.onRequest(kept);
 }
 
+void Device::Impl::note(Exchange& exchange, const Reply& reply) {
+    if (!reply.contentType.starts_with("image/"))
+        exchange.record.answer = reply.body.substr(0, options.maxRecordedAnswer);
+    note(exchange, reply.status);
+}
+
 // Answers go out after this, and so a client that has its answer finds the request recorded.
 void Device::Impl::onRequest(Exchange& exchange) {
     const std::string_view path = exchange.record.path();
     if (path.starts_with(kRoot)) {
         if (const auto refusal = logIn.check(exchange)) {
             logIn.refuse(exchange, *refusal);
-            note(exchange, refusal->reply.status);
+            note(exchange, refusal->reply);
             return;
         }
     }
@@ -126,6 +138,10 @@ void Device::Impl::onRequest(Exchange& exchange) {
 }
 
 void Device::Impl::answer(Exchange& exchange) {
+    if (replay_) {
+        note(exchange, replay_->answer(exchange, port()));
+        return;
+    }
     const RequestRecord& request = exchange.record;
     const Route route = findResource(request.method, request.path());
     const auto scripted = withState([&](const State& state) { return scriptedAnswer(state, request); });
@@ -136,7 +152,7 @@ void Device::Impl::answer(Exchange& exchange) {
     if (fault && fault->kind == FaultKind::StaleNonce) {
         const LogIn::Refusal refusal = logIn.staleRefusal();
         logIn.refuse(exchange, refusal);
-        note(exchange, refusal.reply.status);
+        note(exchange, refusal.reply);
     } else if (fault && fault->kind == FaultKind::HangBefore) {
         Chunk nothing("");
         nothing.ending = Chunk::Ending::Silence;
@@ -147,11 +163,11 @@ void Device::Impl::answer(Exchange& exchange) {
         const Reply reply =
             statusReply(request.target, static_cast<int>(fault->amount), busy ? kDeviceBusy : kDeviceError);
         exchange.answer(reply);
-        note(exchange, reply.status);
+        note(exchange, reply);
     } else if (fault && fault->kind == FaultKind::Status) {
         const Reply reply = statusReply(request.target, static_cast<uint32_t>(fault->amount));
         exchange.answer(reply);
-        note(exchange, reply.status);
+        note(exchange, reply);
     } else if (isStream) {
         streams.open(exchange, port());
         note(exchange, MHD_HTTP_OK);
@@ -164,7 +180,7 @@ void Device::Impl::answer(Exchange& exchange) {
             outlets.push(outlets.open(exchange), lastChunk(reply, fault));
         else
             exchange.answer(reply);
-        note(exchange, reply.status);
+        note(exchange, reply);
     }
 }
 
@@ -175,6 +191,7 @@ Reply Device::Impl::replyTo(const Exchange& exchange, const Route& route) {
         return statusReply(request.target, route.pathKnown ? MHD_HTTP_METHOD_NOT_ALLOWED : MHD_HTTP_NOT_FOUND,
                            kNotSupported);
     const std::lock_guard lock(stateMutex_);
+    if (request.method != MHD_HTTP_METHOD_GET) ++changes;
     try {
         return route.resource->handler({request, route.variables, state_});
     } catch (const Refused& refusal) {

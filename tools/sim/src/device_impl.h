@@ -9,10 +9,12 @@
 #include "event_poster.h"
 #include "faults.h"
 #include "http_server.h"
+#include "journal.h"
 #include "listener.h"
 #include "log_in.h"
 #include "loop.h"
 #include "outlets.h"
+#include "replay/replay.h"
 #include "request_log.h"
 #include "resources/resource.h"
 #include "state.h"
@@ -45,12 +47,13 @@ class Device::Impl {
     void powerOff(std::optional<std::chrono::milliseconds> returnAfter);
     void powerOn();
     void cutStreams();
-    void clearFaults();
+    void clearFaults(std::optional<FaultKind> kind);
     // Sends an event to whoever wants it, and logs it. Returns its serial number.
     uint64_t report(const AccessEvent& event);
     void report(const Alarm& alarm);
     Passage presentCard(const std::string& cardNo, unsigned reader);
     Passage presentFace(const std::string& employeeNo, unsigned reader);
+    void commandDoor(unsigned door, const std::string& command);
     std::string saveState();
     void loadState(const std::string& text);
     // What the function makes of the state, which is locked meanwhile.
@@ -64,8 +67,10 @@ class Device::Impl {
     const Options options;
     LogIn logIn;
     RequestLog log;
+    Journal journal;
     Faults faults;
     std::atomic<bool> isOn = false;
+    std::atomic<uint64_t> changes = 0;  // requests that may have changed the state, and states loaded
 
  private:
     void switchOn();
@@ -77,6 +82,7 @@ class Device::Impl {
     void answer(Exchange& exchange);
     Reply replyTo(const Exchange& exchange, const Route& route);
     void note(Exchange& exchange, int status);
+    void note(Exchange& exchange, const Reply& reply);
     // Posts the event to those hosts of which the predicate holds.
     template <typename Predicate>
     void postToHosts(Predicate takes, const std::function<Message(const Sender&)>& make);
@@ -100,6 +106,7 @@ class Device::Impl {
     std::optional<HttpServer> server_;  // while the power is on
     std::optional<Loop::TimerId> heartbeat_;
     std::optional<Loop::TimerId> powerReturn_;
+    std::optional<Replay> replay_;  // set before the thread starts
 };
 
 }  // namespace veltasim

@@ -82,9 +82,9 @@ void Faults::add(const Fault& fault) {
     faults_.push_back(fault);
 }
 
-void Faults::clear() {
+void Faults::clear(std::optional<FaultKind> kind) {
     const std::lock_guard lock(mutex_);
-    faults_.clear();
+    std::erase_if(faults_, [kind](const Fault& fault) { return !kind || fault.kind == *kind; });
 }
 
 std::vector<Fault> Faults::all() const {

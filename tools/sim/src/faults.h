@@ -16,7 +16,7 @@ class Faults {
     enum class Moment { Answer, StreamOpening, StreamPart };
 
     void add(const Fault& fault);
-    void clear();
+    void clear(std::optional<FaultKind> kind);  // nothing: all
     std::vector<Fault> all() const;
     // The fault that strikes now, with the default amount filled in; counts it as used.
     std::optional<Fault> strike(std::string_view path, Moment moment);

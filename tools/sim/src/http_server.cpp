@@ -30,6 +30,19 @@ MHD_Result addHeader(void* record, MHD_ValueKind, const char* name, const char* 
     }
 }
 
+sockaddr_in addressBy(int (*which)(int, sockaddr*, socklen_t*), int socket) {
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    which(socket, reinterpret_cast<sockaddr*>(&address), &size);
+    return address;
+}
+
+std::string textOf(const sockaddr_in& address) {
+    std::array<char, INET_ADDRSTRLEN> text{};
+    inet_ntop(AF_INET, &address.sin_addr, text.data(), text.size());
+    return text.data();
+}
+
 Exchange& from(void* context) {
     return *static_cast<Exchange*>(context);
 }
@@ -50,12 +63,12 @@ int Exchange::socket() const {
 }
 
 std::string Exchange::localAddress() const {
-    sockaddr_in local{};
-    socklen_t size = sizeof local;
-    std::array<char, INET_ADDRSTRLEN> text{};
-    getsockname(socket(), reinterpret_cast<sockaddr*>(&local), &size);
-    inet_ntop(AF_INET, &local.sin_addr, text.data(), text.size());
-    return text.data();
+    return textOf(addressBy(getsockname, socket()));
+}
+
+std::string Exchange::clientAddress() const {
+    const sockaddr_in client = addressBy(getpeername, socket());
+    return textOf(client) + ":" + std::to_string(ntohs(client.sin_port));
 }
 
 void Exchange::answer(const Reply& reply) {

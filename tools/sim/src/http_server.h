@@ -29,6 +29,7 @@ class Exchange {
     std::string query(const char* name) const;
     // The server's end of the connection, as the client reached it.
     std::string localAddress() const;
+    std::string clientAddress() const;  // with its port
     int socket() const;
     MHD_Connection* connection() const { return connection_; }
     std::chrono::steady_clock::time_point began() const { return began_; }

@@ -4,21 +4,11 @@
 #include <array>
 #include <utility>
 
-// The files lie in the program as they are, each between two labels.
-// clang-format off
-#define EMBED(label, file)                         \
-    asm(".pushsection .rodata\n"                   \
-        ".global " label "Begin, " label "End\n"   \
-        ".hidden " label "Begin, " label "End\n"   \
-        label "Begin:\n"                           \
-        ".incbin \"" PICTURE_DIR "/" file "\"\n"   \
-        label "End:\n"                             \
-        ".popsection\n")
-// clang-format on
+#include "embed.h"
 
-EMBED("veltasimSmall", "small.jpg");
-EMBED("veltasimMedium", "medium.jpg");
-EMBED("veltasimLarge", "large.jpg");
+EMBED("veltasimSmall", PICTURE_DIR "/small.jpg");
+EMBED("veltasimMedium", PICTURE_DIR "/medium.jpg");
+EMBED("veltasimLarge", PICTURE_DIR "/large.jpg");
 
 extern "C" {
 extern const char veltasimSmallBegin[], veltasimSmallEnd[];

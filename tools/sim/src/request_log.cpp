@@ -29,6 +29,33 @@ std::vector<RequestRecord> RequestLog::all() const {
     return {records_.begin(), records_.end()};
 }
 
+std::vector<RequestRecord> RequestLog::briefAfter(uint64_t number, size_t most) const {
+    const std::lock_guard lock(mutex_);
+    const auto newer = std::partition_point(records_.begin(), records_.end(),
+                                            [number](const auto& record) { return record.number <= number; });
+    const auto skipped =
+        std::max<std::ptrdiff_t>(records_.end() - newer - static_cast<std::ptrdiff_t>(most), 0);
+    std::vector<RequestRecord> brief;
+    for (auto record = newer + skipped; record != records_.end(); ++record)
+        brief.push_back({.number = record->number,
+                         .devicePort = record->devicePort,
+                         .method = record->method,
+                         .target = record->target,
+                         .headers = {},
+                         .body = {},
+                         .status = record->status,
+                         .user = record->user,
+                         .duration = record->duration});
+    return brief;
+}
+
+std::optional<RequestRecord> RequestLog::find(uint64_t number) const {
+    const std::lock_guard lock(mutex_);
+    const auto found = std::lower_bound(records_.begin(), records_.end(), number,
+                                        [](const auto& record, uint64_t n) { return record.number < n; });
+    return found == records_.end() || found->number != number ? std::nullopt : std::optional(*found);
+}
+
 void RequestLog::clear() {
     const std::lock_guard lock(mutex_);
     records_.clear();

@@ -19,6 +19,8 @@ class RequestLog {
     // Numbers the record and keeps it. Returns it as kept.
     RequestRecord add(RequestRecord record);
     std::vector<RequestRecord> all() const;
+    std::vector<RequestRecord> briefAfter(uint64_t number, size_t most) const;  // the newest, without bodies
+    std::optional<RequestRecord> find(uint64_t number) const;
     void clear();
     std::optional<RequestRecord> waitFor(const std::function<bool(const RequestRecord&)>& fits,
                                          std::chrono::milliseconds timeout) const;

@@ -27,6 +27,7 @@
 #include <veltasim/options.h>
 #include <veltasim/passage.h>
 #include <veltasim/request.h>
+#include <veltasim/view.h>
 
 namespace veltasim {
 
@@ -81,20 +82,36 @@ class Device {
     Passage presentCard(const std::string& cardNo, unsigned reader = 1);
     Passage presentFace(const std::string& employeeNo, unsigned reader = 1);
     bool doorIsOpen(unsigned door) const;  // false also if there is no such door
+    // As a host does over the network: "open", "close" (which ends what holds the door), "alwaysOpen",
+    // "alwaysClose". Throws std::invalid_argument as above, or if there is no such command.
+    void commandDoor(unsigned door, const std::string& command);
 
     // -- faults --
     void setFault(const Fault& fault);  // in addition to those set; the oldest that fits a request strikes
-    void clearFaults();                 // also cuts the connections that hang
+    // All, or those of one kind; also cuts the connections that hang.
+    void clearFaults(std::optional<FaultKind> kind = std::nullopt);
     std::vector<Fault> faults() const;  // those still in force; count is what is left of it
 
     // -- requests --
     std::vector<RequestRecord> requests() const;  // all recorded, oldest first
+    // Without headers and bodies the newest of those recorded after that number, oldest first.
+    std::vector<RequestRecord> requestsAfter(uint64_t number, size_t most) const;
+    std::optional<RequestRecord> request(uint64_t number) const;  // nothing: it is not recorded any more
     void forgetRequests();
     // The first recorded request that fits, waiting for one if need be; nothing after the timeout. The
     // predicate runs on the calling thread, and must not call the device.
     using RequestPredicate = std::function<bool(const RequestRecord&)>;
     std::optional<RequestRecord> waitForRequest(const RequestPredicate& fits,
                                                 std::chrono::milliseconds timeout) const;
+
+    // -- views --
+    Overview overview() const;
+    // Those whose name, number or cards have the text in them (in any case of its letters): at most so many,
+    // from the first-th match on.
+    PersonPage persons(const std::string& text, size_t first, size_t most) const;
+    std::string facePicture(const std::string& employeeNo) const;  // empty: none
+    // The newest of those that came after that number, oldest first; a few hundred are kept.
+    std::vector<Report> reportsAfter(uint64_t number, size_t most) const;
 
     // -- state --
     // What the device remembers of persons, cards, faces, fingers, doors, readers, schedules, event hosts and the

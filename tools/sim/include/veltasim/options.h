@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include <veltasim/event.h>
+#include <veltasim/recording.h>
 #include <veltasim/request.h>
 
 namespace veltasim {
@@ -81,10 +83,17 @@ struct Options {
 
     size_t maxRecordedRequests = 10000;  // the oldest are forgotten
     size_t maxRecordedBody = 1U << 20U;  // bytes of a request body that are recorded
+    size_t maxRecordedAnswer = 0;        // bytes of the body of an answer that are recorded
     size_t maxRequestBody = 16U << 20U;  // a larger one is answered 413
     // Called for every request, on the device's thread, just before the answer goes out; must be quick, must
     // not throw and must not call the device.
     std::function<void(const RequestRecord&)> onRequest = {};
+
+    // A device that answers as another one did once: nothing is left of its own but the log-in.
+    std::shared_ptr<const Recording> recording = {};
+    double replaySpeed = 1;  // how many times faster the events come than they were recorded
+    // Called for every request that the recording does not know, as onRequest is.
+    std::function<void(const RequestRecord&)> onUnrecorded = {};
 };
 
 }  // namespace veltasim

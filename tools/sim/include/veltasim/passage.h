@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,7 +23,11 @@ enum class Outcome {
 };
 constexpr int kMajorAccess = 1;
 
-std::string_view nameOf(Outcome outcome);  // "card granted"
+std::string_view nameOf(Outcome outcome);                // "card granted"
+std::optional<Outcome> outcomeOf(int major, int minor);  // nothing: the numbers are those of another event
+constexpr bool isGranted(Outcome outcome) {
+    return outcome == Outcome::CardGranted || outcome == Outcome::FaceGranted;
+}
 
 struct Passage {
     Outcome outcome;
@@ -30,7 +35,7 @@ struct Passage {
     std::string employeeNo;  // empty: unknown
     uint64_t serialNo;       // of the event
 
-    bool isGranted() const { return outcome == Outcome::CardGranted || outcome == Outcome::FaceGranted; }
+    bool isGranted() const { return veltasim::isGranted(outcome); }
 };
 
 }  // namespace veltasim

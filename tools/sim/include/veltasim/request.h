@@ -17,6 +17,7 @@ struct RequestRecord {
     std::string target;  // path and query exactly as received
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;                       // the first Options::maxRecordedBody bytes
+    std::string answer = {};                // the first Options::maxRecordedAnswer bytes of its body
     int status = 0;                         // 0: a fault left it without an answer
     std::string user;                       // who sent it; empty: it carried no credentials
     std::chrono::microseconds duration{0};  // from the request's header to the answer being ready

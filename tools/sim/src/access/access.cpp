@@ -44,6 +44,13 @@ std::string_view nameOf(Outcome outcome) {
         ->second;
 }
 
+std::optional<Outcome> outcomeOf(int major, int minor) {
+    const auto* found = std::find_if(kOutcomes.begin(), kOutcomes.end(), [minor](const auto& row) {
+        return static_cast<int>(row.first) == minor;
+    });
+    return major != kMajorAccess || found == kOutcomes.end() ? std::nullopt : std::optional(found->first);
+}
+
 Access::Access(const Options& options)
     : capacity(options.capacity),
       backgroundTime(options.backgroundTime),

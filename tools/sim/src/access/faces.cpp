@@ -84,8 +84,15 @@ void Faces::clear() {
 }
 
 bool Faces::knows(const std::string& employeeNo) const {
-    return std::any_of(libraries_.begin(), libraries_.end(),
-                       [&](const FaceLibrary& library) { return library.faces.find(employeeNo); });
+    return !of(employeeNo).empty();
+}
+
+std::vector<const Face*> Faces::of(const std::string& employeeNo) const {
+    std::vector<const Face*> faces;
+    for (const FaceLibrary& library : libraries_) {
+        if (const Face* face = library.faces.find(employeeNo)) faces.push_back(face);
+    }
+    return faces;
 }
 
 size_t Faces::count() const {

@@ -42,10 +42,11 @@ class Faces {
     void removePerson(const std::string& employeeNo);
     void clear();
     bool knows(const std::string& employeeNo) const;  // in any library
+    std::vector<const Face*> of(const std::string& employeeNo) const;
+    size_t count() const;
 
  private:
     FaceLibrary& libraryToChange(const std::string& fdid, const std::string& type);
-    size_t count() const;
 
     size_t capacity_;
     std::vector<FaceLibrary> libraries_;

@@ -25,6 +25,7 @@ struct Validity {
     std::optional<std::chrono::sys_seconds> begin;
     std::optional<std::chrono::sys_seconds> end;
 
+    bool isLimited() const { return begin || end; }
     bool holds(std::chrono::sys_seconds time) const {
         return (!begin || *begin <= time) && (!end || time <= *end);
     }

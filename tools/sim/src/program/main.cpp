@@ -14,11 +14,13 @@
 
 #include <veltasim/control.h>
 #include <veltasim/device.h>
+#include <veltasim/panel.h>
 
 #include "fd.h"
 #include "hostile_program.h"
 #include "program/console.h"
 #include "program/printer.h"
+#include "program/replay_program.h"
 #include "program/settings.h"
 #include "program/state_file.h"
 
@@ -59,6 +61,10 @@ Fd catchSignals() {
     return Fd(signalfd(-1, &signals, SFD_CLOEXEC));
 }
 
+bool printsToTerminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
 // Sends the events of the timetable and listens to the console until a signal asks the program to end.
 void runUntilSignal(const Fd& signals, const Settings& settings, std::list<Device>& devices,
                     Console& console) {
@@ -67,7 +73,7 @@ void runUntilSignal(const Fd& signals, const Settings& settings, std::list<Devic
     const auto period = std::chrono::nanoseconds(std::llround(settings.eventEvery * 1e9));
     auto next = Clock::now() + period;
     // Whoever takes the output of the program keeps the terminal's input for himself.
-    const bool listens = settings.console || (isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1);
+    const bool listens = settings.console || (isatty(STDIN_FILENO) == 1 && printsToTerminal());
     std::array<pollfd, 2> files{{{signals.get(), POLLIN, 0}, {listens ? STDIN_FILENO : -1, POLLIN, 0}}};
     for (;;) {
         int wait = -1;
@@ -84,20 +90,26 @@ void runUntilSignal(const Fd& signals, const Settings& settings, std::list<Devic
     }
 }
 
-int run(Settings& settings) {
+int run(Settings& settings, const ReplaySettings& replay) {
     const Fd signals = catchSignals();
     raiseOpenFileLimit();
-    complete(settings);
+    complete(settings, printsToTerminal());
     Printer printer(settings);
+    prepareReplay(replay, settings.device, printer);
     const StateFile stateFile(settings.stateFile);
     std::list<Device> devices = startDevices(settings, stateFile, printer);
+    std::vector<Device*> all;
+    for (Device& device : devices)
+        all.push_back(&device);
     std::optional<ControlServer> control;
     if (settings.controlPort >= 0) {
-        std::vector<Device*> all;
-        for (Device& device : devices)
-            all.push_back(&device);
         control.emplace(all, static_cast<uint16_t>(settings.controlPort));
         printer.control(control->url());
+    }
+    std::optional<PanelServer> panel;
+    if (settings.panelPort >= 0) {
+        panel.emplace(all, settings.panelAddress, static_cast<uint16_t>(settings.panelPort));
+        printer.panel(panel->url());
     }
     Console console(devices.front(), stateFile,
                     [&printer](const std::string& text) { printer.message(text); });
@@ -110,12 +122,14 @@ int runCommandLine(int argc, char** argv) {
     Settings settings;
     CLI::App app("Simulated VELTA devices: access controllers to develop against.", "velta-sim");
     addOptions(app, settings);
+    ReplaySettings replay;
+    addReplayOptions(app, replay);
     std::string trick;
     addHostileOption(app, trick);
     try {
         app.parse(argc, argv);
         if (!trick.empty()) return runHostile(app, trick, settings.device, catchSignals());
-        return run(settings);
+        return run(settings, replay);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : kExitBadUsage;
     } catch (const BadUsage& error) {

@@ -22,6 +22,12 @@ void Printer::control(const std::string& url) {
     print(line, "control  " + url + "/control");
 }
 
+void Printer::panel(const std::string& url) {
+    Json::Value line;
+    line["panel"] = url;
+    print(line, "panel    " + url);
+}
+
 void Printer::request(const RequestRecord& record) {
     if (quiet_) return;
     const double milliseconds = static_cast<double>(record.duration.count()) / 1000;

@@ -18,6 +18,7 @@ class Printer {
 
     void device(const Device& device);
     void control(const std::string& url);
+    void panel(const std::string& url);
     void request(const RequestRecord& record);
     void message(const std::string& text);
 

@@ -13,8 +13,10 @@ Examples:
   velta-sim                                   one device on a free port of 127.0.0.1
   velta-sim --port 8080 --event-every 2 --picture
                                               somebody at the door every two seconds
+  velta-sim --port 8080 --panel-port 8090     the device with a panel at http://127.0.0.1:8090/
   velta-sim --fault slow=200,path=/VELTA/System,count=3
                                               three slow answers, then all is well
+  velta-sim --port 8080 --replay door.har     answers as the device did of which velta-host --trace door.har kept a trace
   velta-sim --count 500 --port 20000 --quiet  five hundred devices
   velta-sim --console --state door.json       obeys commands ("help" lists them), and remembers what it was taught
   curl --digest -u admin:velta-sim-1 http://127.0.0.1:8080/VELTA/System/deviceInfo
@@ -26,6 +28,8 @@ Faults: KIND[=AMOUNT][,path=PREFIX][,count=N]
 
 Exit codes: 0 ended by Ctrl-C or SIGTERM, 2 wrong options or state, 3 cannot start (for example the port is taken)
 or cannot save the state.)";
+
+constexpr size_t kMaxRecordedAnswer = 16U << 10U;
 
 struct Limit {
     const char* option;
@@ -109,6 +113,16 @@ void addOptions(CLI::App& app, Settings& settings) {
     app.add_option("--control-port", settings.controlPort,
                    "Port of the control interface on 127.0.0.1; 0: a free one")
         ->check(CLI::Range(0, 65535));
+    auto* panel =
+        app.add_option("--panel-port", settings.panelPort,
+                       "Port of the panel, a web page with all that the devices do; 0: a free one. On a "
+                       "terminal there is a panel anyway, on a free port")
+            ->check(CLI::Range(0, 65535));
+    auto* address = app.add_option("--panel-bind", settings.panelAddress,
+                                   "IPv4 address of the panel; whoever reaches it steers the devices")
+                        ->needs(panel)
+                        ->capture_default_str();
+    app.add_flag("--no-panel", settings.noPanel, "No panel")->excludes(panel)->excludes(address);
     app.add_flag("--quiet", settings.quiet, "Do not print requests");
     app.add_flag("--json", settings.json, "Print JSON lines");
     app.footer(kExamples);
@@ -120,7 +134,7 @@ AccessEvent doorEvent(const Settings& settings) {
     return event;
 }
 
-void complete(Settings& settings) {
+void complete(Settings& settings, bool onTerminal) {
     using std::chrono::milliseconds;
     settings.device.heartbeat = milliseconds(std::llround(settings.heartbeat * 1000));
     settings.device.rebootTime = milliseconds(std::llround(settings.rebootSeconds * 1000));
@@ -128,6 +142,8 @@ void complete(Settings& settings) {
     settings.device.backgroundTime = milliseconds(std::llround(settings.backgroundSeconds * 1000));
     settings.device.lockTime = std::chrono::seconds(settings.lockSeconds);
     if (settings.eventAtConnect) settings.device.eventAtConnect = doorEvent(settings);
+    if (settings.panelPort < 0 && onTerminal && !settings.noPanel) settings.panelPort = 0;
+    if (settings.panelPort >= 0) settings.device.maxRecordedAnswer = kMaxRecordedAnswer;
     if (settings.device.port != 0 && settings.device.port + settings.count - 1 > UINT16_MAX)
         throw BadUsage("there are not so many ports above " + std::to_string(settings.device.port));
     if (!settings.stateFile.empty() && settings.count > 1)

@@ -28,6 +28,9 @@ struct Settings {
     bool json = false;
     bool console = false;
     int controlPort = -1;
+    int panelPort = -1;  // less than 0: no panel
+    bool noPanel = false;
+    std::string panelAddress = "127.0.0.1";
     unsigned doorSeconds = 5;
     double backgroundSeconds = 0.2;
     std::string passwordFile;
@@ -36,8 +39,8 @@ struct Settings {
 };
 
 void addOptions(CLI::App& app, Settings& settings);
-// Works out what the options mean. Throws BadUsage.
-void complete(Settings& settings);
+// Works out what the options mean; on a terminal there is a panel unasked. Throws BadUsage.
+void complete(Settings& settings, bool onTerminal);
 // What happens at the door every so often.
 AccessEvent doorEvent(const Settings& settings);
 
