@@ -8,7 +8,7 @@ failed=0
 # forbid FOLDER PATTERN REASON [EXCEPTION]: no source below FOLDER includes a header that matches PATTERN.
 forbid() {
     local found
-    found=$(grep -rnE "^#include [<\"]($2)" "$1" --include='*.h' --include='*.cpp' --include='*.c' | grep -vE "${4:-^$}" || true)
+    found=$(grep -rnE "^#include [<\"]($2)" "$1" --include='*.h' --include='*.hpp' --include='*.cpp' --include='*.c' | grep -vE "${4:-^$}" || true)
     [[ -z $found ]] && return
     printf '%s:\n%s\n' "$3" "$found"
     failed=1
@@ -20,6 +20,8 @@ forbid platform "$ours|velta/|veltasim/" "the platform libraries know nothing of
 forbid platform/xpr 'xlog/|netutils/' "the runtime is at the bottom"
 forbid tools/sim "$ours|velta/|xpr/|xlog/|netutils/" "the simulated device shares nothing with what it tests"
 forbid tools/host "$ours|xpr/|xlog/|netutils/|veltasim/" "the reference host knows the contract alone"
+forbid tools/check "$ours|xpr/|xlog/|netutils/" "the checker shares nothing with what it checks"
+forbid examples "$ours|xpr/|xlog/|netutils/|veltasim/" "the examples show what the contract suffices for"
 forbid src/DevPlus 'device/|manager/' "the frame knows no device" '^src/DevPlus/(VeltaDev|PluginConfig)\.cpp:'
 forbid src/translate 'curl/|netutils/|manager/' "translators open no connection"
 forbid src 'pthread\.h|netutils/' "the operating system and HTTP stand behind the platform" '^src/device/Transport\.cpp:'

@@ -27,7 +27,7 @@ add_test(NAME exports COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/system/check_exports.s
 
 set(built $<TARGET_FILE:veltadev> $<TARGET_FILE:velta-sim>)
 if(VELTA_BUILD_HOST)
-  list(APPEND built $<TARGET_FILE:velta-host>)
+  list(APPEND built $<TARGET_FILE:velta-host> $<TARGET_FILE:velta-check>)
 endif()
 add_test(NAME hardening COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/system/check_hardening.sh
   $<IF:$<CONFIG:Release>,yes,no> ${built})

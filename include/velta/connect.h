@@ -70,7 +70,7 @@ typedef struct VELTA_ConnectTable {
      *
      * VELTA_OK; VELTA_E_NULL_PARAMETER for a null argument; VELTA_E_BAD_PARAMETER for a wrong "Connect"
      * (nothing is stored), and for an empty or overlong value, a port out of range or a control character in
-     * a value (stored, but not registered). May be called again: the parameters are replaced, requests under
+     * a value of the URL (stored, but not registered). May be called again: the parameters are replaced, requests under
      * way finish with the old ones. [any thread, not in status, in event] */
     int (*Connect_V2)(void* instance, char* url, char* user, char* password);
 
