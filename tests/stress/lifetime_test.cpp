@@ -179,28 +179,6 @@ TEST(Lifetime, aCheckThatHangsDelaysDestroyingOnly) {
     EXPECT_EQ(rig.stop(), VELTA_OK);
 }
 
-TEST(Lifetime, uninitWhileTheLastEventsAreStillOnTheirWay) {
-    Rig rig(8);
-    rig.armAll();
-    std::atomic<bool> stop{false};
-    std::thread sender([&] {
-        while (!stop) {
-            for (auto& device : rig.devices)
-                device->sendAccessEvent(
-                    {.picture = std::string(veltasim::picture(veltasim::PictureSize::Large))});
-        }
-    });
-    for (auto& session : rig.sessions)
-        EXPECT_TRUE(session->waitForEvents(3));
-    EXPECT_EQ(rig.stop(), VELTA_OK);
-    rig.sessions.clear();
-    rig.library.reset();
-    stop = true;
-    sender.join();
-    for (auto& device : rig.devices)
-        EXPECT_TRUE(device->waitForStreams(0, kDeadline));
-}
-
 void useAll(bool online) {
     Rig rig(2, {.maxRecordedRequests = 5});
     for (auto& session : rig.sessions) {

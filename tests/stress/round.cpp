@@ -79,7 +79,6 @@ void Round::act(Random& random) {
 }
 
 void Round::create(Slot& slot) {
-    const Doing doing("CreateInstance");
     void* instance = nullptr;
     note("CreateInstance", library->record->CreateInstance(&instance));
     const auto table = [&](const char* key) {
@@ -90,12 +89,10 @@ void Round::create(Slot& slot) {
     slot.connect = static_cast<VELTA_ConnectTable*>(table(VELTA_KEY_CONNECT));
     slot.event = static_cast<VELTA_EventTable*>(table(VELTA_KEY_EVENT));
     slot.gateway = static_cast<VELTA_GatewayTable*>(table(VELTA_KEY_GATEWAY));
-    slot.stream = static_cast<VELTA_StreamTable*>(table(VELTA_KEY_STREAM));
     slot.instance = instance;
 }
 
 void Round::destroy(Slot& slot, const char* call) {
-    const Doing doing(call);
     void* const instance = std::exchange(slot.instance, nullptr);
     note(call, library->record->DestroyInstance(instance));
     note("DestroyInstance", library->record->DestroyInstance(instance));  // gone: nothing happens
@@ -118,14 +115,12 @@ Random& Round::callbackRandom() {
 }
 
 void Round::onEvent(void*, char* sourceId, tagEVENT_BASE_INFO* base, tagEVENT_EXT_INFO* ext, void* user) {
-    const Doing doing("(event callback)");
     Token& token = *static_cast<Token*>(user);
     Round& round = token.round;
     if (token.over) violation("an event callback after its end");
     if (std::strcmp(sourceId, "D_1") != 0) violation("a wrong source");
     checkRecord(*base, ext);
     ++round.events_;
-    note("(event callback)", 0);
     const std::shared_lock calls(round.callers_, std::try_to_lock);
     Random& random = round.callbackRandom();
     if (!calls.owns_lock() || !oneIn(random, 4)) return;
@@ -144,11 +139,9 @@ void Round::onEvent(void*, char* sourceId, tagEVENT_BASE_INFO* base, tagEVENT_EX
 }
 
 void Round::onStatus(void*, int status, char* info, void* user) {
-    const Doing doing("(status callback)");
     Token& token = *static_cast<Token*>(user);
     if (token.over) violation("a status callback after its end");
     if (!isDocumented(status, info)) violation("status " + std::to_string(status) + " \"" + info + '"');
-    note("(status callback)", 0);
     const std::shared_lock calls(token.round.callers_, std::try_to_lock);
     if (!calls.owns_lock()) return;
     withSession(token.slot, [&] { actInStatus(token.round, token.slot, token.round.callbackRandom()); });
@@ -169,7 +162,6 @@ void Round::finish() {
     }
     for (std::thread& thread : threads)
         thread.join();
-    const Doing doing("Uninit");
     note("Uninit", library->record->Uninit());
     if (!waitUntil([this] { return site.streams() == 0; })) violation("a stream outlives its session");
 }

@@ -34,7 +34,6 @@ struct Slot {
     const VELTA_ConnectTable* connect = nullptr;
     const VELTA_EventTable* event = nullptr;
     const VELTA_GatewayTable* gateway = nullptr;
-    const VELTA_StreamTable* stream = nullptr;
 
     std::mutex tokens;          /* guards what follows; no call into the library is made under it */
     std::vector<Token*> events; /* those whose SetEventCallBack has returned */

@@ -2,8 +2,6 @@
 
 #include <chrono>
 
-#include "ledger.h"
-
 namespace stress {
 namespace {
 
@@ -19,9 +17,6 @@ std::string anyPicture(Random& random) {
 
 void event(Device& device, Random& random) {
     device.sendAccessEvent({.picture = anyPicture(random)});
-}
-void alarm(Device& device, Random&) {
-    device.sendAlarm();
 }
 void burst(Device& device, Random& random) {
     for (size_t i = below(random, 30); i > 0; --i)
@@ -43,33 +38,26 @@ void fault(Device& device, Random& random) {
                      .path = paths[below(random, 5)],
                      .count = 1 + static_cast<unsigned>(below(random, 4))});
 }
-void noFaults(Device& device, Random&) {
-    device.clearFaults();
-}
-void power(Device& device, Random& random) {
-    device.powerOff(milliseconds(50 + below(random, 2000)));
-}
-void endStreams(Device& device, Random& random) {
-    device.endStreams(oneIn(random, 2) ? Device::StreamEnd::AtOnce : Device::StreamEnd::AfterQueue);
-}
-void lock(Device& device, Random&) {
-    device.lockUser(std::chrono::seconds(20));
-}
-void unlock(Device& device, Random&) {
-    device.unlockUser();
-}
 void nonsense(Device& device, Random& random) {
     const char* const bodies[] = {
         "", "<", "{", "<a><b/></a>", "{\"statusCode\":7}", "[[[[", "<DeviceInfo>%s</DeviceInfo>"};
     device.setDocument("/VELTA/System/deviceInfo", bodies[below(random, 7)]);
 }
-void sense(Device& device, Random&) {
-    device.clearAnswers();
-}
 
 constexpr Chance<void(Device&, Random&)> kEvents[] = {
-    {300, event}, {60, alarm},     {10, burst}, {10, noise},  {6, fault},    {24, noFaults},
-    {1, power},   {2, endStreams}, {1, lock},   {40, unlock}, {2, nonsense}, {4, sense},
+    {300, event},
+    {60, [](Device& device, Random&) { device.sendAlarm(); }},
+    {10, burst},
+    {10, noise},
+    {6, fault},
+    {24, [](Device& device, Random&) { device.clearFaults(); }},
+    {1, [](Device& device, Random& random) { device.powerOff(milliseconds(50 + below(random, 2000))); }},
+    {1, [](Device& device, Random&) { device.endStreams(Device::StreamEnd::AtOnce); }},
+    {1, [](Device& device, Random&) { device.endStreams(Device::StreamEnd::AfterQueue); }},
+    {1, [](Device& device, Random&) { device.lockUser(std::chrono::seconds(20)); }},
+    {40, [](Device& device, Random&) { device.unlockUser(); }},
+    {2, nonsense},
+    {4, [](Device& device, Random&) { device.clearAnswers(); }},
 };
 
 }  // namespace
@@ -95,10 +83,8 @@ Site::Site(size_t count) {
 }
 
 void Site::happen(Random& random) {
-    const Doing doing("(device)");
     Device& device = *devices[below(random, devices.size())];
     choose(kEvents, random)(device, random);
-    note("(device)", 0);
 }
 
 void Site::calm() {

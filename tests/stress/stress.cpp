@@ -77,7 +77,6 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
 
     veltasim::raiseOpenFileLimit();
-    const std::jthread dog = watchdog();
     Site site(settings.devices);
     const auto end = Clock::now() + std::chrono::seconds(settings.seconds);
     uint64_t rounds = 0;
@@ -87,7 +86,6 @@ int main(int argc, char** argv) {
                      static_cast<unsigned long long>(rounds), static_cast<unsigned long long>(notedCalls()),
                      violations());
     } while (Clock::now() < end);
-    printCalls();
     std::printf("%s\n", violations() == 0 ? "no violations" : "VIOLATIONS");
     return violations() == 0 ? 0 : 1;
 }

@@ -10,11 +10,8 @@ using host::judgeAnswer;
 TEST(Answer, Judge_documentsOfSuccess) {
     for (const char* answer : {
              "<DeviceInfo><deviceName>door</deviceName></DeviceInfo>",
-             "<ResponseStatus><statusCode>1</statusCode><statusString>OK</statusString></ResponseStatus>",
              R"({"statusCode":1,"statusString":"OK","subStatusCode":"ok"})",
              R"({"statusCode":7,"statusString":"Reboot Required","subStatusCode":"rebootRequired"})",
-             R"({"AccessControl":{}})",
-             "[]",
              "",
          }) {
         EXPECT_EQ(judgeAnswer(answer).code, ExitCode::Ok) << answer;

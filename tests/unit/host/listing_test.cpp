@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "pager.h"
-#include "progress_bar.h"
 #include "table.h"
 #include "text.h"
 
@@ -47,11 +46,4 @@ TEST(Table, Widths_areKeptFromPieceToPiece) {
               "NAME    N\n\xC3\x84"
               "da L.  1");
     EXPECT_EQ(host::table({{"Bo", "2"}}, widths), "Bo      2");
-}
-
-TEST(ProgressBar, Text_staysWithinItsBounds) {
-    EXPECT_EQ(host::progressBar(0, 10), "[....................]   0 %");
-    EXPECT_EQ(host::progressBar(5, 10), "[##########..........]  50 %");
-    EXPECT_EQ(host::progressBar(11, 10), "[####################] 100 %");
-    EXPECT_EQ(host::progressBar(11, 0), "");
 }

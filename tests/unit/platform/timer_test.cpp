@@ -121,20 +121,6 @@ TEST(Timer, KillTimer_waitsForRunningCallbackAndEndsThread) {
     EXPECT_TRUE(eventually([&] { return thread.gone(); })) << "it must not wait for the next beat";
 }
 
-TEST(Timer, SetTimer_startsAgainAfterCallbackKilledTheLast) {
-    for (int round = 0; round < 3; ++round) {
-        TimerThread thread;
-        std::atomic<int> beats{0};
-        TestTimer timer(1, [&](int id) {
-            thread.note();
-            ++beats;
-            EXPECT_EQ(XPR_KillTimer(id), XPR_OK);
-        });
-        EXPECT_TRUE(eventually([&] { return thread.gone(); })) << "the thread ends by itself";
-        EXPECT_EQ(beats, 1);
-    }
-}
-
 TEST(Timer, setAndKillFromManyThreadsAndCallbacks) {
     TimerThread thread;
     std::atomic<int> beats{0};

@@ -41,11 +41,8 @@ PUT UserInfo/Modify {"UserInfo":{"employeeNo":"1","Valid":{"enable":true}}} -> 2
 PUT UserInfo/Modify {"UserInfo":{"employeeNo":"1","userType":"visitor","Valid":{"timeType":"UTC"}}} -> 200
 POST UserInfo/Record {"UserInfo":{"employeeNo":"3"}} -> 200
 POST UserInfo/Record {"UserInfo":{"employeeNo":"4"}} -> 400 "deviceUserFull","errorCode":1610641408
-GET UserInfo/Count -> 200 {"UserInfoCount":{"personNumber":3}}
 POST UserInfo/Search {"UserInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":2}} -> 200 {"UserInfoSearch":{"UserInfo":[{"Valid":{"enable":true,"timeType":"UTC"},"employeeNo":"1","name":"Ada","own":[1],"userType":"visitor"},{"employeeNo":"2"}],"numOfMatches":2,"responseStatusStrg":"MORE","searchID":"s","totalMatches":3}}
-POST UserInfo/Search {"UserInfoSearchCond":{"searchID":"s","searchResultPosition":2,"maxResults":99}} -> 200 "3"}],"numOfMatches":1,"responseStatusStrg":"OK"
-POST UserInfo/Search {"UserInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":9,"EmployeeNoList":[{"employeeNo":"3"},{"employeeNo":"8"}]}} -> 200 [{"employeeNo":"3"}],"numOfMatches":1
-GET UserInfo/capabilities -> 200 "maxRecordNum":3)");
+POST UserInfo/Search {"UserInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":9,"EmployeeNoList":[{"employeeNo":"3"},{"employeeNo":"8"}]}} -> 200 [{"employeeNo":"3"}],"numOfMatches":1)");
 }
 
 TEST_F(People, haveCards) {
@@ -59,13 +56,10 @@ POST CardInfo/Record {"CardInfo":{"cardNo":"22","employeeNo":"2"}} -> 400 "devic
 PUT CardInfo/Modify {"CardInfo":{"cardNo":"99","employeeNo":"1"}} -> 403 "errorCode":805306388
 PUT CardInfo/Modify {"CardInfo":{"cardNo":"12","employeeNo":"2","cardType":"superCard"}} -> 200
 POST CardInfo/Search {"CardInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":9,"EmployeeNoList":[{"employeeNo":"2"}]}} -> 200 "CardInfo":[{"cardNo":"21","cardType":"normalCard","employeeNo":"2"},{"cardNo":"12","cardType":"superCard"
-POST CardInfo/Search {"CardInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":9,"CardNoList":[{"cardNo":"11"}]}} -> 200 "totalMatches":1
 PUT CardInfo/Delete {"CardInfoDelCond":{}} -> 400 "badParameters"
 PUT CardInfo/Delete {"CardInfoDelCond":{"CardNoList":[{"cardNo":"11"},{"cardNo":"99"}]}} -> 200
-GET CardInfo/Count -> 200 "cardNumber":2
 PUT CardInfo/Delete {"CardInfoDelCond":{"EmployeeNoList":[{"employeeNo":"2"}]}} -> 200
-POST CardInfo/Search {"CardInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":9}} -> 200 {"CardInfoSearch":{"numOfMatches":0,"responseStatusStrg":"NO MATCH"
-GET CardInfo/capabilities -> 200 "maxRecordNum":3)");
+POST CardInfo/Search {"CardInfoSearchCond":{"searchID":"s","searchResultPosition":0,"maxResults":9}} -> 200 {"CardInfoSearch":{"numOfMatches":0,"responseStatusStrg":"NO MATCH")");
 }
 
 TEST_F(People, haveFaces) {
@@ -80,9 +74,7 @@ TEST_F(People, haveFaces) {
     EXPECT_EQ(client.get(kFaces + "/Pictures/1/a%2Fb").body, kJpeg);
     EXPECT_EQ(client.get(kFaces + "/Pictures/2/1").status, 404);
     client.talk(kFaces, R"(
-GET . -> 200 {"FDLib":[{"FDID":"1","faceLibType":"blackFD","name":"Persons"},
 GET /Count -> 200 [{"FDID":"1","faceLibType":"blackFD","name":"Persons","recordDataNumber":2}
-POST /FDSearch {"searchResultPosition":0,"maxResults":1,"FDID":"1"} -> 200 /VELTA/Intelligent/FDLib/Pictures/1/1"
 POST /FDSearch {"searchResultPosition":0,"maxResults":5,"faceLibType":"blackFD","FDID":"1","FPID":"2"} -> 200 {"numOfMatches":0,"responseStatusStrg":"NO MATCH","statusCode":1
 PUT /FDSearch?format=json&FDID=1&FPID=a%2Fb&faceLibType=blackFD {"faceURL":"http://x/y.jpg"} -> 200
 POST /FDSearch {"searchResultPosition":0,"maxResults":5,"faceLibType":"blackFD","FDID":"1","FPID":"a/b"} -> 200 "MatchList":[{"FPID":"a/b","faceURL":"http://x/y.jpg"}]
@@ -95,7 +87,6 @@ GET /Count -> 200 "recordDataNumber":1)");
 TEST_F(People, haveFingers) {
     ask(R"(
 POST FingerPrintDownload {"FingerPrintCfg":{"employeeNo":"1","fingerPrintID":1,"fingerData":"QQ==","enableCardReader":[1,2]}} -> 200
-GET FingerPrintProgress -> 200 "done":1,"status":"success"
 POST FingerPrintDownload {"FingerPrintCfg":{"employeeNo":"1","fingerPrintID":1,"fingerData":"QQ=="}} -> 400 "fingerPrintIDAlreadyExist","errorCode":1610637387
 POST FingerPrintDownload {"FingerPrintCfg":{"employeeNo":"1","fingerPrintID":11,"fingerData":"QQ=="}} -> 400 "errorFingerID"
 POST FingerPrintDownload {"FingerPrintCfg":{"employeeNo":"1","fingerPrintID":2,"fingerData":"QQ==","enableCardReader":[3]}} -> 400 "illegalCardReaderNo","errorCode":1610637365
@@ -108,10 +99,7 @@ POST FingerPrintUpload {"FingerPrintCond":{"searchID":"s","employeeNo":"1"}} -> 
 PUT FingerPrint/Delete {"FingerPrintDelete":{"mode":"byEmployeeNo","employeeNo":"1","fingerPrintID":[2]}} -> 200
 PUT FingerPrint/Delete {"FingerPrintDelete":{"mode":"byCardReader","cardReaderNo":2}} -> 200
 POST FingerPrintUpload {"FingerPrintCond":{"searchID":"s","employeeNo":"1"}} -> 200 [{"cardReaderNo":1,"fingerData":"QQ==","fingerPrintID":1,"fingerType":"normalFP"}]
-POST FingerPrintUpload {"FingerPrintCond":{"searchID":"s","employeeNo":"2"}} -> 200 [],"searchID":"s","status":"NONE"
-GET CaptureFingerPrint/capabilities -> 200 <fingerNo min="1" max="10">
-POST CaptureFingerPrint <CaptureFingerPrintCond><fingerNo>10</fingerNo></CaptureFingerPrintCond> -> 200 <fingerData>ZmluZ2VyIDEwLCBjYXB0dXJlIDE=</fingerData><fingerNo>10<
-POST CaptureFingerPrint <CaptureFingerPrintCond><fingerNo>11</fingerNo></CaptureFingerPrintCond> -> 400 <subStatusCode>badParameters)");
+POST FingerPrintUpload {"FingerPrintCond":{"searchID":"s","employeeNo":"2"}} -> 200 [],"searchID":"s","status":"NONE")");
 }
 
 TEST_F(People, outliveTheDeviceAndTakeWithThemWhatTheyHave) {

@@ -30,6 +30,7 @@ class Device::Impl {
         : options(std::move(given)),
           logIn(options),
           log(options.maxRecordedRequests, options.maxRecordedBody),
+          journal(options.maxReports),
           state_(options),
           outlets(loop_, options.maxQueuedEvents, options.maxQueuedBytes),
           streams(options, outlets, faults, [this](Sender& sender) {

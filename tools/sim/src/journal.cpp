@@ -8,7 +8,7 @@ void Journal::add(Report report) {
     const std::lock_guard lock(mutex_);
     report.number = ++count_;
     reports_.push_back(std::move(report));
-    if (reports_.size() > kCapacity) reports_.pop_front();
+    if (reports_.size() > capacity_) reports_.pop_front();
 }
 
 std::vector<Report> Journal::after(uint64_t number, size_t most) const {

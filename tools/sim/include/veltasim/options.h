@@ -84,6 +84,7 @@ struct Options {
     size_t maxRecordedRequests = 10000;  // the oldest are forgotten
     size_t maxRecordedBody = 1U << 20U;  // bytes of a request body that are recorded
     size_t maxRecordedAnswer = 0;        // bytes of the body of an answer that are recorded
+    size_t maxReports = 500;  // events that went out, for whoever watches; the oldest are forgotten
     size_t maxRequestBody = 16U << 20U;  // a larger one is answered 413
     // Called for every request, on the device's thread, just before the answer goes out; must be quick, must
     // not throw and must not call the device.
