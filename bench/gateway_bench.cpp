@@ -15,7 +15,7 @@ void routeMiss(benchmark::State& state) {
     CVeltaDevice device;
     velta::HostRequest request{"GET", "/VELTA/System/Video/inputs/channels/1?devIndex=1&format=json", {}};
     std::string answer;
-    for (auto _ : state) {
+    for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
         auto code = device.DealwithCommOpt(request, answer);
         benchmark::DoNotOptimize(code);
     }
@@ -25,7 +25,7 @@ BENCHMARK(routeMiss);
 void envelopeAndRouteMiss(benchmark::State& state) {
     CVeltaDevice device;
     std::string answer;
-    for (auto _ : state) {
+    for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
         velta::HostRequest request;
         std::string path;
         bool read = velta::readEnvelope(kEnvelope, request);
@@ -41,7 +41,7 @@ BENCHMARK(envelopeAndRouteMiss);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void envelopeBare(benchmark::State& state) {
-    for (auto _ : state) {
+    for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
         Json::Value root;
         Json::Reader reader;
         benchmark::DoNotOptimize(reader.parse(kEnvelope.data(), kEnvelope.data() + kEnvelope.size(), root));

@@ -2,8 +2,10 @@
 #include <benchmark/benchmark.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
-#include <iostream>
+#include <string>
+#include <vector>
 
 #include "rows.h"
 
@@ -23,6 +25,7 @@ void append(bench::Rows& rows, bench::Rows more) {
 void initialise(std::vector<std::string> options) {
     options.insert(options.begin(), "velta-bench");
     std::vector<char*> arguments;
+    arguments.reserve(options.size());
     for (std::string& option : options)
         arguments.push_back(option.data());
     int count = static_cast<int>(arguments.size());

@@ -43,7 +43,7 @@ void parseEvents(benchmark::State& state) {
     const std::string part =
         "--velta_events\r\nContent-Type: application/json; charset=\"UTF-8\"\r\nContent-Length: " +
         std::to_string(kEvent.size()) + "\r\n\r\n" + kEvent + "\r\n";
-    for (auto _ : state)
+    for (auto _ : state)  // NOLINT(clang-analyzer-deadcode.DeadStores)
         parser.feed(part);
     benchmark::DoNotOptimize(bytes);
 }
@@ -52,7 +52,7 @@ BENCHMARK(parseEvents);
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void eventsBare(benchmark::State& state) {
-    for (auto _ : state) {
+    for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
         Json::Value root;
         Json::Reader reader;
         reader.parse(kEvent.data(), kEvent.data() + kEvent.size(), root);
@@ -88,7 +88,7 @@ void copyPictures(benchmark::State& state) {
     const size_t chunk = static_cast<size_t>(state.range(1));
     std::string buffer;
     buffer.reserve(event.size());
-    for (auto _ : state) {
+    for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
         buffer.clear();
         for (size_t at = 0; at < event.size(); at += chunk)
             buffer.append(std::string_view(event).substr(at, chunk));

@@ -30,7 +30,7 @@ constexpr long kMostRepetitions = 2;
 
 /* Of all answers of an exchange together. libcurl keeps every line, also those behind the last chunk, of which it
  * takes any number. */
-constexpr size_t kMostHeaderBytes = 256 * 1024;
+constexpr size_t kMostHeaderBytes = size_t{256} * 1024;
 
 /* Puts the body of the answer into the caller's buffer. */
 class Receiver {
