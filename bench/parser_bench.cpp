@@ -1,11 +1,12 @@
 // The alert stream parser: events with pictures of several sizes, cut into chunks of several sizes.
 #include <benchmark/benchmark.h>
-#include <json/json.h>
 
 #include <random>
 #include <string>
 
+#include "bare.h"
 #include "device/AlertStreamParser.h"
+#include "fast_server.h"
 
 namespace {
 
@@ -21,17 +22,7 @@ std::string eventWithPicture(size_t size) {
            "\r\n\r\n" + picture;
 }
 
-const std::string kEvent =
-    "{\n\t\"ipAddress\":\t\"10.0.0.5\",\n\t\"portNo\":\t80,\n\t\"protocol\":\t\"HTTP\",\n"
-    "\t\"macAddress\":\t\"02:00:0a:00:00:05\",\n\t\"channelID\":\t1,\n\t\"dateTime\":\t\"2026-11-01T10:11:12+"
-    "01:00\",\n"
-    "\t\"activePostCount\":\t1,\n\t\"eventType\":\t\"AccessControllerEvent\",\n\t\"eventState\":\t\"active\","
-    "\n"
-    "\t\"eventDescription\":\t\"Access Controller Event\",\n\t\"AccessControllerEvent\":\t{\n"
-    "\t\t\"deviceName\":\t\"Access Controller 1\",\n\t\t\"major\":\t5,\n\t\t\"minor\":\t75,\n"
-    "\t\t\"name\":\t\"Ada "
-    "Example\",\n\t\t\"cardNo\":\t\"0123456789\",\n\t\t\"cardReaderNo\":\t1,\n\t\t\"doorNo\":\t1,\n"
-    "\t\t\"employeeNoString\":\t\"1001\",\n\t\t\"serialNo\":\t4711,\n\t\t\"picturesNumber\":\t0\n\t}\n}";
+const std::string kEvent = bench::eventJson("10.0.0.5", 80, false);
 
 void parseEvents(benchmark::State& state) {
     size_t bytes = 0;
@@ -49,17 +40,10 @@ void parseEvents(benchmark::State& state) {
 }
 BENCHMARK(parseEvents);
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
 void eventsBare(benchmark::State& state) {
-    for (auto _ : state) {  // NOLINT(clang-analyzer-deadcode.DeadStores)
-        Json::Value root;
-        Json::Reader reader;
-        reader.parse(kEvent.data(), kEvent.data() + kEvent.size(), root);
-        benchmark::DoNotOptimize(Json::FastWriter().write(root));
-    }
+    for (auto _ : state)  // NOLINT(clang-analyzer-deadcode.DeadStores)
+        benchmark::DoNotOptimize(bench::bareJson(kEvent));
 }
-#pragma GCC diagnostic pop
 BENCHMARK(eventsBare);
 
 void parsePictures(benchmark::State& state) {

@@ -8,7 +8,6 @@
 namespace check {
 namespace {
 
-constexpr uint32_t kBadParameter = 0x60000001;
 const std::string kMark = "?format=json";
 const std::string kAccess = "/VELTA/AccessControl/";
 

@@ -11,13 +11,6 @@
 namespace check {
 namespace {
 
-constexpr uint32_t kBadParameter = 0x60000001;
-constexpr uint32_t kNotSupported = 0x40000001;
-constexpr uint32_t kUnknown = 0x4000111D;
-constexpr uint32_t kOk = 1;
-constexpr const char* kPath = "/VELTA/Custom/thing";
-const std::string kUri = std::string(kPath) + "?devIndex=1";
-
 void wrongEnvelopes(Trial& trial) {
     Scene scene(trial);
     for (const char* envelope :

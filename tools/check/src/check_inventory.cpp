@@ -8,8 +8,6 @@
 namespace check {
 namespace {
 
-constexpr uint32_t kBadParameter = 0x60000001;
-
 void members(Trial& trial) {
     Scene scene(
         trial,

@@ -8,9 +8,6 @@
 namespace check {
 namespace {
 
-constexpr uint32_t kBadParameter = 0x60000001;
-constexpr uint32_t kNotSupported = 0x40000001;
-
 const std::string kAccess = "/VELTA/AccessControl/";
 
 // Every route, with the methods that it takes.

@@ -6,8 +6,6 @@
 namespace check {
 namespace {
 
-constexpr uint32_t kBadParameter = 0x60000001;
-constexpr uint32_t kOk = 1;
 const std::string kMark = "?format=json";
 
 void deviceInfo(Trial& trial) {
