@@ -12,6 +12,7 @@ velta_test(manager_tests
 velta_test(device_tests
   SOURCES
     unit/device/alert_stream_parser_test.cpp
+    unit/device/answer_buffer_test.cpp
     unit/device/connection_url_test.cpp
     unit/device/event_records_test.cpp
   LIBRARIES veltadev_core)

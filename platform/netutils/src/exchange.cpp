@@ -130,19 +130,22 @@ class HeaderWatch {
             offeredDigest_ = offeredDigest_ || offersDigest_;
         } else if (equalsIgnoringCase(line.substr(0, kChallenge.size()), kChallenge)) {
             line.remove_prefix(kChallenge.size());
-            offersDigest_ = offersDigest_ || challenges(line, "Digest");
-            offersBasic_ = offersBasic_ || challenges(line, "Basic");
+            readChallenges(line);
         }
         return total_ <= kMostHeaderBytes && !downgraded_;
     }
 
     /* One line may carry several challenges. They are read as libcurl reads them, which takes every comma for
      * the end of one, since it is libcurl that answers them. */
-    static bool challenges(std::string_view line, std::string_view scheme) {
-        for (;; line.remove_prefix(line.find(',') + 1)) {
-            line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
-            if (equalsIgnoringCase(line.substr(0, line.find_first_of(" \t,")), scheme)) return true;
-            if (line.find(',') == std::string_view::npos) return false;
+    void readChallenges(std::string_view line) {
+        const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+        for (auto at = line.begin(); at != line.end();) {
+            const auto comma = std::find(at, line.end(), ',');
+            const auto begin = std::find_if_not(at, comma, isBlank);
+            const std::string_view scheme(begin, std::find_if(begin, comma, isBlank));
+            offersDigest_ = offersDigest_ || equalsIgnoringCase(scheme, "Digest");
+            offersBasic_ = offersBasic_ || equalsIgnoringCase(scheme, "Basic");
+            at = comma == line.end() ? comma : comma + 1;
         }
     }
 
@@ -240,9 +243,11 @@ int exchange(const Request& request, const NET_HTTPCLIENT_EXCHANGE& in, NET_HTTP
     setReceiver(easy, &receiver, &headers);
 
     const CURLcode code = easy.perform();
-    // libcurl is content with an answer that was cut off in its head.
+    // libcurl is content with an answer that was cut off in its head, and with "HTTP/200", which has no status.
+    const auto status = static_cast<uint32_t>(easy.status());
     if (!answered(code, receiver, headers)) return failWithZero(code == CURLE_OK ? CURLE_PARTIAL_FILE : code);
-    out->httpStatus = static_cast<uint32_t>(easy.status());
+    if (status == 0) return failWithZero(CURLE_WEIRD_SERVER_REPLY);
+    out->httpStatus = status;
     out->bufferSize = receiver.length();
     return 1;
 }

@@ -14,6 +14,10 @@ namespace {
 /* Headers that frame the message. They follow from the body alone, so what the caller sets is not sent. */
 constexpr const char* kFramingHeaders[] = {"Content-Length", "Transfer-Encoding", "Expect"};
 
+bool endsName(char c) {
+    return c == ' ' || c == ':' || c == ';';
+}
+
 bool equalNames(std::string_view a, const char* b) {
     return a.size() == strlen(b) && strncasecmp(a.data(), b, a.size()) == 0;
 }
@@ -82,14 +86,16 @@ int Request::setCredentials(std::string_view user, std::string_view password) {
 
 int Request::addHeader(std::string_view name, std::string_view value) {
     const bool valid = takeTerminator(&name) && takeTerminator(&value) && !name.empty() &&
-                       name.find_first_of(" :;") == std::string_view::npos && !hasControlCharacters(name) &&
+                       std::ranges::none_of(name, endsName) && !hasControlCharacters(name) &&
                        !hasControlCharacters(value);
     if (!valid) return fail(NET_UTILS_ERROR_PARAMETER);
     if (std::ranges::any_of(kFramingHeaders,
                             [name](const char* framing) { return equalNames(name, framing); })) {
         return NET_UTILS_OK;
     }
-    std::string line(name);
+    std::string line;
+    line.reserve(name.size() + 2 + value.size());
+    line = name;
     if (value.find_first_not_of(' ') == std::string_view::npos) {
         line += ';';
     } else {

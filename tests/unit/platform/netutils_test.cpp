@@ -242,6 +242,7 @@ TEST(Exchange, withoutWholeAnswer_failsAndLeavesOutUntouched) {
          1500,
          CURLE_OPERATION_TIMEDOUT},  // longer than the limit for sending, which has ended
         {{"door station 1.0\r\n\r\n", Then::kClose}, 60'000, CURLE_UNSUPPORTED_PROTOCOL},
+        {{"HTTP/200t\r\n\r\n", Then::kClose}, 60'000, CURLE_WEIRD_SERVER_REPLY},
     };
     for (const auto& c : cases) {
         ScriptedServer server({c.answer});
