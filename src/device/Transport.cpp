@@ -6,15 +6,13 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
-#include <memory>
-#include <new>
 #include <utility>
 
+#include "device/AnswerBuffer.h"
 #include "device/CVeltaDevice.h"
 
 namespace {
 
-constexpr uint32_t kAnswerCapacity = 1048576;
 constexpr const char* kRebootPath = "/VELTA/System/reboot";
 constexpr const char* kBoundary = "--boundary";
 
@@ -95,9 +93,8 @@ class Client {
 };
 
 int32_t Client::exchange(const std::string& url, unsigned char method, std::string& response) {
-    // Not initialised: most answers touch a page or two of it.
-    const std::unique_ptr<char[]> buffer(new (std::nothrow) char[kAnswerCapacity]);
-    if (buffer == nullptr) {
+    velta::AnswerBuffer buffer;
+    if (buffer.data() == nullptr) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] create pDataBuffer fail, url - %s", __func__, __LINE__,
                     url.c_str());
         return static_cast<int32_t>(VELTA_E_OUT_OF_MEMORY);
@@ -105,24 +102,25 @@ int32_t Client::exchange(const std::string& url, unsigned char method, std::stri
     NET_HTTPCLIENT_EXCHANGE record{};
     record.url = url.data();
     record.urlLength = url.size();
-    record.buffer = buffer.get();
-    record.bufferSize = kAnswerCapacity;
+    record.buffer = buffer.data();
+    record.bufferSize = velta::AnswerBuffer::kCapacity;
     record.method = method;
     if (NET_HTTPCLIENT_ShortLinkExchange(handle_, &record, &record) == 0) {
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] NET_HTTPCLIENT_ShortLinkExchange fail - %d, url - %s",
                     __func__, __LINE__, NET_UTILS_GetLastError(), url.c_str());
         return CVeltaDevice::kTransportFailure;
     }
-    const size_t length = strnlen(buffer.get(), record.bufferSize);
+    buffer.setLength(record.bufferSize);
+    const size_t length = strnlen(buffer.data(), record.bufferSize);
     if (record.httpStatus == 200) {
         if (record.bufferSize > 0) {
-            response.assign(buffer.get(), length);
+            response.assign(buffer.data(), length);
             response.push_back(
                 '\0');  // callers are used to a text that is one character longer than the body
         }
         return 0;
     }
-    response.assign(buffer.get(), length);
+    response.assign(buffer.data(), length);
     if (response.starts_with('<') ||
         response.starts_with('{')) {  // a document that says why; nothing else is logged
         xlog_format(XLOG_ERROR, "VELTADEV", "[%s(%d)] %.500s", __func__, __LINE__, response.c_str());

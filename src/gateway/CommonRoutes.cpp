@@ -104,10 +104,10 @@ struct Route {
     MethodEntry methods[4];
 
     /* Most requests are forwarded, past the whole table: only where the pattern may fit is it looked at closely. */
-    bool takes(const std::string& path) const {
-        const bool mayFit = variables == 0 ? path.size() == pattern.fixed : path.size() > pattern.fixed;
-        return mayFit && path.compare(0, pattern.fixed, pattern.text, pattern.fixed) == 0 &&
-               velta::CheckUrlWithVariable(path.c_str(), pattern.text, variables);
+    bool takes(const std::string& uri, size_t pathLength) const {
+        const bool mayFit = variables == 0 ? pathLength == pattern.fixed : pathLength > pattern.fixed;
+        return mayFit && uri.compare(0, pattern.fixed, pattern.text, pattern.fixed) == 0 &&
+               velta::CheckUrlWithVariable(uri.c_str(), pattern.text, variables);
     }
 };
 
@@ -177,10 +177,10 @@ std::optional<uint32_t> CVeltaDevice::DealwithCommOpt(velta::HostRequest& reques
         xlog_format(XLOG_DEBUG, "VELTADEV", "[%s(%d)] uri is not json formart", __func__, __LINE__);
         return std::nullopt;
     }
-    const std::string path = velta::pathOf(request.uri);
+    const size_t pathLength = std::min(request.uri.find('?'), request.uri.size());
     const Route* const route =
         std::find_if(std::begin(kRoutes), std::end(kRoutes),
-                     [&path](const Route& candidate) { return candidate.takes(path); });
+                     [&](const Route& candidate) { return candidate.takes(request.uri, pathLength); });
     if (route == std::end(kRoutes)) {
         xlog_format(XLOG_DEBUG, "VELTADEV", "[%s(%d)] uri is not in the common opt", __func__, __LINE__);
         return std::nullopt;
@@ -188,6 +188,7 @@ std::optional<uint32_t> CVeltaDevice::DealwithCommOpt(velta::HostRequest& reques
     for (const MethodEntry& method : route->methods) {
         if (method.name == nullptr || request.method != method.name) continue;
         request.body.readJson();
+        const std::string path = request.uri.substr(0, pathLength);
         const uint32_t code = method.operation(Call{*this, request, path, answer});
         return code == velta::kNoErrorCode ? codeOfAnswer(answer) : code;
     }

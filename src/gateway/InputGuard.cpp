@@ -1,5 +1,8 @@
 #include "gateway/InputGuard.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "gateway/JsonExtent.h"
 
 namespace velta {
@@ -12,12 +15,19 @@ size_t behind(std::string_view text, std::string_view mark, size_t from) {
     return at == std::string_view::npos ? text.size() : at + mark.size();
 }
 
-// What may stand in a document besides elements: where it starts and how it ends.
+// What may stand in a document besides elements: where it starts and how it ends. The last one takes all others.
 struct Passage {
     std::string_view opening;
     std::string_view closing;
 };
 constexpr Passage kPassages[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
+
+const Passage* passageAt(std::string_view text) {
+    const bool isPassage = text.size() > 1 && (text[1] == '!' || text[1] == '?');
+    if (!isPassage) return nullptr;
+    return std::find_if(std::begin(kPassages), std::end(kPassages) - 1,
+                        [&](const Passage& candidate) { return text.starts_with(candidate.opening); });
+}
 
 struct Tag {
     size_t end = 0; /* behind its ">" */
@@ -60,14 +70,7 @@ bool isXmlShapeAllowed(std::string_view text) {
     int elements = 0;
     for (size_t at = text.find('<'); at < text.size(); at = text.find('<', at)) {
         const std::string_view rest = text.substr(at);
-        const Passage* passage = nullptr;
-        for (const Passage& candidate : kPassages) {
-            if (rest.starts_with(candidate.opening)) {
-                passage = &candidate;
-                break;
-            }
-        }
-        if (passage != nullptr) {
+        if (const Passage* const passage = passageAt(rest)) {
             at = behind(text, passage->closing, at + passage->opening.size());
         } else if (rest.starts_with("</")) {
             --nesting;

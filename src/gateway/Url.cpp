@@ -63,6 +63,7 @@ bool removeQueryFromUrl(std::string& out, const char* url, const std::string& ke
     if (parameter == std::string_view::npos) return false;
     size_t next = text.find('&', at);
     if (next == std::string_view::npos) next = text.find('?', at);
+    out.reserve(text.size());
     out.assign(text.substr(0, at > 0 ? at - 1 : 0));
     if (next != std::string_view::npos) out.append(text.substr(next));
     return true;
