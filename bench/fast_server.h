@@ -28,6 +28,7 @@ class FastServer {
     FastServer& operator=(const FastServer&) = delete;
 
     uint16_t port() const { return port_; }
+    pid_t process() const { return child_; }
     /* A port that answers no attempt to connect, like the address of a device that is gone. */
     uint16_t deadPort() const { return deadPort_; }
     /* Alert streams that are open now. */
