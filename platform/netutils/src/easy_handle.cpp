@@ -2,23 +2,18 @@
 
 namespace netutils {
 
-EasyHandle::EasyHandle() noexcept
-    : easy_(curl_easy_init(), curl_easy_cleanup),
-      headers_(nullptr, curl_slist_free_all),
-      code_(easy_ ? CURLE_OK : CURLE_OUT_OF_MEMORY) {}
+/* As many headers as an ordinary request has, libcurl's own that it takes away included. */
+constexpr size_t kUsualHeaders = 8;
 
-void EasyHandle::addHeader(const char* line) noexcept {
-    curl_slist* longer = curl_slist_append(headers_.get(), line);
-    if (longer == nullptr) {
-        code_ = CURLE_OUT_OF_MEMORY;
-        return;
-    }
-    (void)headers_.release();  // it is now part of the longer list
-    headers_.reset(longer);
+EasyHandle::EasyHandle()
+    : easy_(curl_easy_init(), curl_easy_cleanup), code_(easy_ ? CURLE_OK : CURLE_OUT_OF_MEMORY) {
+    headers_.reserve(kUsualHeaders);
 }
 
 CURLcode EasyHandle::perform() noexcept {
-    set(CURLOPT_HTTPHEADER, headers_.get());
+    for (size_t i = 1; i < headers_.size(); ++i)
+        headers_[i - 1].next = &headers_[i];
+    set(CURLOPT_HTTPHEADER, headers_.empty() ? nullptr : headers_.data());
     if (code_ == CURLE_OK) code_ = curl_easy_perform(easy_.get());
     return code_;
 }

@@ -5,6 +5,7 @@
 #include <curl/curl.h>
 
 #include <memory>
+#include <vector>
 
 namespace netutils {
 
@@ -27,7 +28,8 @@ class LibraryInUse {
 
 class EasyHandle {
  public:
-    EasyHandle() noexcept;
+    /* May throw std::bad_alloc. */
+    EasyHandle();
 
     /* Once an option is refused or memory runs out, later calls do nothing and perform() returns the reason.
      */
@@ -35,15 +37,16 @@ class EasyHandle {
     void set(CURLoption option, Value value) noexcept {
         if (code_ == CURLE_OK) code_ = curl_easy_setopt(easy_.get(), option, value);
     }
-    /* In libcurl's form: "Name: value" adds, "Name:" takes away a header of libcurl's own. */
-    void addHeader(const char* line) noexcept;
+    /* In libcurl's form: "Name: value" adds, "Name:" takes away a header of libcurl's own. The line stays the
+     * caller's, and must outlive perform(). May throw std::bad_alloc. */
+    void addHeader(const char* line) { headers_.push_back({const_cast<char*>(line), nullptr}); }
 
     CURLcode perform() noexcept;
     long status() const noexcept;
 
  private:
+    std::vector<curl_slist> headers_; /* linked by perform() */
     std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> easy_;
-    std::unique_ptr<curl_slist, decltype(&curl_slist_free_all)> headers_;
     CURLcode code_;
 };
 

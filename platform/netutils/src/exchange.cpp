@@ -139,13 +139,14 @@ class HeaderWatch {
      * the end of one, since it is libcurl that answers them. */
     void readChallenges(std::string_view line) {
         const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
-        for (auto at = line.begin(); at != line.end();) {
-            const auto comma = std::find(at, line.end(), ',');
-            const auto begin = std::find_if_not(at, comma, isBlank);
-            const std::string_view scheme(begin, std::find_if(begin, comma, isBlank));
+        for (size_t at = 0; at < line.size();) {
+            const size_t comma = std::min(line.find(',', at), line.size());
+            const auto end = line.begin() + comma;
+            const auto begin = std::find_if_not(line.begin() + at, end, isBlank);
+            const std::string_view scheme(begin, std::find_if(begin, end, isBlank));
             offersDigest_ = offersDigest_ || equalsIgnoringCase(scheme, "Digest");
             offersBasic_ = offersBasic_ || equalsIgnoringCase(scheme, "Basic");
-            at = comma == line.end() ? comma : comma + 1;
+            at = comma + 1;
         }
     }
 
@@ -176,7 +177,7 @@ void setProtocol(EasyHandle& easy) {
 void setLimits(EasyHandle& easy, const Request& request, StallWatch* watch) {
     easy.set(CURLOPT_TIMEOUT_MS, static_cast<long>(request.exchangeTimeoutMs()));
     easy.set(CURLOPT_CONNECTTIMEOUT_MS, std::max<long>(request.sendTimeoutMs(), kShortestConnectTimeoutMs));
-    if (request.sendTimeoutMs() == 0) return;
+    if (request.sendTimeoutMs() == 0 || request.body().empty()) return;
     easy.set(CURLOPT_PREREQFUNCTION, StallWatch::beginRequest);
     easy.set(CURLOPT_PREREQDATA, watch);
     easy.set(CURLOPT_XFERINFOFUNCTION, StallWatch::progress);
