@@ -24,10 +24,12 @@ else()
   target_compile_options(velta_settings INTERFACE $<$<CONFIG:Release>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 endif()
 
-# velta_static_library(NAME source...): a library for linking into the shared one, its symbols hidden.
+# velta_static_library(NAME source...): a library for linking into the shared one, its symbols hidden. What the
+# shared one does not use of it is left out there, function by function.
 function(velta_static_library name)
   add_library(${name} STATIC ${ARGN})
   target_link_libraries(${name} PRIVATE velta_settings)
+  target_compile_options(${name} PRIVATE -ffunction-sections -fdata-sections)
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
 

@@ -128,9 +128,9 @@ class HeaderWatch {
             ended_ = true;
             downgraded_ = asksForLogIn_ && offeredDigest_ && offersBasic_ && !offersDigest_;
             offeredDigest_ = offeredDigest_ || offersDigest_;
-        } else if (equalsIgnoringCase(line.substr(0, kChallenge.size()), kChallenge)) {
-            line.remove_prefix(kChallenge.size());
-            readChallenges(line);
+        } else if (line.find(':') == kChallenge.size() &&
+                   equalsIgnoringCase(line.substr(0, kChallenge.size()), kChallenge)) {
+            readChallenges(line.substr(kChallenge.size() + 1));
         }
         return total_ <= kMostHeaderBytes && !downgraded_;
     }
@@ -150,7 +150,7 @@ class HeaderWatch {
         }
     }
 
-    static constexpr std::string_view kChallenge = "WWW-Authenticate:";
+    static constexpr std::string_view kChallenge = "WWW-Authenticate";
 
     StallWatch* stall_;
     size_t total_ = 0;

@@ -12,8 +12,10 @@
 namespace netutils {
 namespace {
 
+constexpr size_t kUsualHeaders = 4;
+
 /* Headers that frame the message. They follow from the body alone, so what the caller sets is not sent. */
-constexpr const char* kFramingHeaders[] = {"Content-Length", "Transfer-Encoding", "Expect"};
+constexpr std::string_view kFramingHeaders[] = {"Content-Length", "Transfer-Encoding", "Expect"};
 
 /* Kinds of characters, to be added up. */
 enum : unsigned char { kControl = 1, kEndsName = 2 };
@@ -33,8 +35,8 @@ bool contains(std::string_view text, unsigned char kinds) {
         text, [kinds](char c) { return (kKinds[static_cast<unsigned char>(c)] & kinds) != 0; });
 }
 
-bool equalNames(std::string_view a, const char* b) {
-    return a.size() == strlen(b) && strncasecmp(a.data(), b, a.size()) == 0;
+bool equalNames(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
 /* Takes off the terminating zero that header texts are passed with; false when there is none. */
@@ -103,10 +105,11 @@ int Request::addHeader(std::string_view name, std::string_view value) {
                        !contains(name, kControl | kEndsName) && !contains(value, kControl);
     if (!valid) return fail(NET_UTILS_ERROR_PARAMETER);
     if (std::ranges::any_of(kFramingHeaders,
-                            [name](const char* framing) { return equalNames(name, framing); })) {
+                            [name](std::string_view framing) { return equalNames(name, framing); })) {
         return NET_UTILS_OK;
     }
-    std::string line;
+    if (headers_.empty()) headers_.reserve(kUsualHeaders);
+    std::string& line = headers_.emplace_back();
     line.reserve(name.size() + 2 + value.size());
     line = name;
     if (value.find_first_not_of(' ') == std::string_view::npos) {
@@ -114,7 +117,6 @@ int Request::addHeader(std::string_view name, std::string_view value) {
     } else {
         line.append(": ").append(value);
     }
-    headers_.push_back(std::move(line));
     hasContentType_ = hasContentType_ || equalNames(name, "Content-Type");
     return NET_UTILS_OK;
 }
