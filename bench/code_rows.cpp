@@ -61,7 +61,7 @@ Rows codeRows() {
                             "GB/s",
                             gigabytesPerSecond(collector.samples["parsePictures" + arguments], picture),
                             gigabytesPerSecond(collector.samples["copyPictures" + arguments], picture),
-                            chunk == 1024 ? 1.0 : 0.0, true});
+                            chunk == 1024 ? std::optional(1.0) : std::nullopt, true});
         }
     }
     return rows;

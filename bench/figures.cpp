@@ -11,6 +11,7 @@ namespace {
 
 /* Three significant digits. */
 std::string number(double value) {
+    if (value == 0) return "0";
     char text[32];
     const int decimals = value >= 100 ? 0 : value >= 10 ? 1 : value >= 1 ? 2 : 3;
     std::snprintf(text, sizeof text, "%.*f", decimals, value);
@@ -31,8 +32,8 @@ struct Cells {
 Cells cellsOf(const Row& row) {
     Cells cells{row.what, row.unit, spread(row.ours), spread(row.limit), "", "", ""};
     if (!row.limit.values.empty()) cells.ratio = number(row.ratio());
-    if (row.target > 0) {
-        cells.target = (row.atLeast ? "at least " : "at most ") + number(row.target);
+    if (row.target) {
+        cells.target = (row.atLeast ? "at least " : "at most ") + number(*row.target);
         cells.verdict = row.kept() ? "kept" : "missed";
     }
     return cells;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,14 +20,15 @@ struct Row {
     std::string what;
     std::string unit;
     Samples ours;
-    Samples limit;        /* empty: the figure stands alone */
-    double target = 0;    /* the greatest ratio to the limit, or the greatest figure without one; 0: none */
-    bool atLeast = false; /* the target is the least figure of the plug-in, limit or not */
+    Samples limit;                /* empty: the figure stands alone */
+    std::optional<double> target; /* the greatest ratio to the limit, or the greatest figure without one */
+    bool atLeast = false;         /* the target is the least figure of the plug-in, limit or not */
 
     double ratio() const { return limit.values.empty() ? 0 : ours.median() / limit.median(); }
+    /* Only with a target. */
     bool kept() const {
-        if (atLeast) return ours.median() >= target;
-        return (limit.values.empty() ? ours.median() : ratio()) <= target;
+        if (atLeast) return ours.median() >= *target;
+        return (limit.values.empty() ? ours.median() : ratio()) <= *target;
     }
 };
 
