@@ -38,7 +38,7 @@ class EasyHandle {
         if (code_ == CURLE_OK) code_ = curl_easy_setopt(easy_.get(), option, value);
     }
     /* In libcurl's form: "Name: value" adds, "Name:" takes away a header of libcurl's own. The line stays the
-     * caller's, and must outlive perform(). May throw std::bad_alloc. */
+     * caller's, and must outlive perform(); libcurl only reads it. May throw std::bad_alloc. */
     void addHeader(const char* line) { headers_.push_back({const_cast<char*>(line), nullptr}); }
 
     CURLcode perform() noexcept;

@@ -177,6 +177,7 @@ void setProtocol(EasyHandle& easy) {
 void setLimits(EasyHandle& easy, const Request& request, StallWatch* watch) {
     easy.set(CURLOPT_TIMEOUT_MS, static_cast<long>(request.exchangeTimeoutMs()));
     easy.set(CURLOPT_CONNECTTIMEOUT_MS, std::max<long>(request.sendTimeoutMs(), kShortestConnectTimeoutMs));
+    // Without a body nothing can stall, and libcurl need not report its progress.
     if (request.sendTimeoutMs() == 0 || request.body().empty()) return;
     easy.set(CURLOPT_PREREQFUNCTION, StallWatch::beginRequest);
     easy.set(CURLOPT_PREREQDATA, watch);
