@@ -78,9 +78,8 @@ uint32_t CVeltaDevice::dispatch(std::string_view text, std::string& answer) {
     // stands.
     if (const auto code = DealwithCommOpt(request, answer)) return *code;
     if (request.uri.find('?') == std::string::npos) return velta::kNoErrorCode;
-    const std::string commonPath = velta::pathOf(request.uri);
-    if (velta::CheckUrlWithVariable(commonPath.c_str(), kTriggerPattern, 1))
-        return triggerOutput(commonPath, request);
+    if (velta::CheckUrlWithVariable(request.uri.c_str(), kTriggerPattern, 1))
+        return triggerOutput(velta::pathOf(request.uri), request);
 
     std::string path;
     if (!velta::removeQueryFromUrl(path, request.uri.c_str(), kHostParameter)) {
