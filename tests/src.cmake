@@ -3,9 +3,8 @@ velta_test(frame_tests
   SOURCES unit/DevPlus/frame_test.cpp ${CMAKE_SOURCE_DIR}/src/DevPlus/DevPlus.cpp
   LIBRARIES veltadev_core)
 velta_test(facade_tests
-  SOURCES unit/DevPlus/facade_test.cpp unit/DevPlus/contract_c99.c unit/DevPlus/plugin_config_test.cpp
+  SOURCES unit/DevPlus/facade_test.cpp
   LIBRARIES veltadev_core)
-set_source_files_properties(unit/DevPlus/contract_c99.c PROPERTIES COMPILE_OPTIONS "-std=c99;-pedantic")
 velta_test(manager_tests
   SOURCES unit/manager/registry_test.cpp unit/manager/rwlock_test.cpp unit/manager/local_network_test.cpp
   LIBRARIES veltadev_core)
@@ -25,10 +24,8 @@ velta_test(gateway_tests
   LIBRARIES veltadev_core)
 velta_test(translate_tests
   SOURCES
-    unit/platform/scripted_server.cpp
     unit/translate/access_test.cpp
     unit/translate/device_info_test.cpp
-    unit/translate/exchange_test.cpp
     unit/translate/local_time_test.cpp
     unit/translate/network_test.cpp
-  LIBRARIES veltadev_core)
+  LIBRARIES veltadev_core velta_sim_lib)

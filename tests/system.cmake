@@ -6,9 +6,9 @@ target_link_libraries(system_support PRIVATE velta_settings PUBLIC
   velta_sim_lib PkgConfig::jsoncpp PkgConfig::microhttpd ${CMAKE_DL_LIBS})
 add_dependencies(system_support veltadev)
 
-velta_test(contract_tests SOURCES system/contract_test.cpp LIBRARIES system_support)
 velta_test(access_tests
   SOURCES system/access_biometrics_test.cpp system/access_persons_test.cpp system/access_site_test.cpp
+          system/system_resources_test.cpp
   LIBRARIES system_support)
 velta_test(gateway_system_tests SOURCES system/gateway_test.cpp LIBRARIES system_support)
 velta_test(site_tests SOURCES system/site_test.cpp LIBRARIES system_support)

@@ -1,18 +1,14 @@
 // The requests in docs/, asked of a simulated device through the built library: the pages show what really happens.
 // With VELTA_UPDATE_DOCS=1 in the environment, what differs is written into the pages instead.
-#include <gmock/gmock.h>
-#include <veltasim/device.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 
+#include "fixture.h"
 #include "pages.h"
-#include "plugin.h"
 
 using namespace docs;
 
@@ -54,16 +50,9 @@ void update(Lines& page, const Example& example, const std::string& sent, const 
     page.insert(page.erase(at, page.begin() + static_cast<std::ptrdiff_t>(end)), fresh.begin(), fresh.end());
 }
 
-class ExamplesTest : public testing::Test {
+class ExamplesTest : public host::SessionTest {
  protected:
-    veltasim::Device device{{.auth = veltasim::AuthScheme::None}};
-    host::Library library;
-
-    void SetUp() override {
-        device.start();
-        ASSERT_EQ(library.record->Init(), VELTA_OK);
-    }
-    void TearDown() override { EXPECT_EQ(library.record->Uninit(), VELTA_OK); }
+    ExamplesTest() : SessionTest({.auth = veltasim::AuthScheme::None}) {}
 
     struct Outcome {
         std::vector<DeviceRequest> sent;
@@ -75,12 +64,12 @@ class ExamplesTest : public testing::Test {
         fresh.start();
         fresh.loadState(textOf(kDocs + "/requests/site.json"));
         fresh.setDeviceTime(kNoon);
-        host::Session session(library);
-        session.connectTo(fresh.port());
+        host::Session own(library);
+        own.connectTo(fresh.port());
         if (example.request.flag == "online") {
-            EXPECT_TRUE(session.waitForStatus(VELTA_STATUS_ONLINE));
+            EXPECT_TRUE(own.waitForStatus(VELTA_STATUS_ONLINE));
         }
-        Outcome outcome{{}, session.request(example.method, example.uri, example.body)};
+        Outcome outcome{{}, own.request(example.method, example.uri, example.body)};
         for (const auto& request : fresh.requests()) {
             if (request.target != "/VELTA/Security/userCheck")
                 outcome.sent.push_back({request.method + " " + request.target, request.body});
@@ -143,8 +132,6 @@ TEST_F(ExamplesTest, coverEveryRoute) {
 
 /* Rows such as "| 0x60000001 | badParameters | ...": the names are those that hosts get. */
 TEST_F(ExamplesTest, nameErrorsAsAnswersDo) {
-    host::Session session(library);
-    session.connectTo(device.port());
     static const std::regex kRow(R"(\| (0x[0-9A-F]{8}) \| ([A-Za-z]+) \|.*)");
     std::set<std::pair<std::string, std::string>> errors;
     for (const auto& [path, page] : pages()) {
@@ -159,7 +146,7 @@ TEST_F(ExamplesTest, nameErrorsAsAnswersDo) {
         device.setDocument(
             "/VELTA/System/deviceInfo",
             "<ResponseStatus><statusCode>4</statusCode><errorCode>" + code + "</errorCode></ResponseStatus>");
-        EXPECT_THAT(session.request("GET", "/VELTA/System/deviceInfo?format=json"),
+        EXPECT_THAT(session->request("GET", "/VELTA/System/deviceInfo?format=json"),
                     testing::HasSubstr("\"subStatusCode\":\"" + name + "\""))
             << number;
     }

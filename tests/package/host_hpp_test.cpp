@@ -4,8 +4,9 @@
 
 #include <chrono>
 #include <future>
-#include <thread>
 #include <velta/host.hpp>
+
+#include "../wait.h"
 
 using namespace std::chrono_literals;
 using velta::host::Device;
@@ -28,10 +29,7 @@ uint32_t codeOf(const std::function<void()>& call) {
 }
 
 bool waitOnline(const Device& device) {
-    const auto end = std::chrono::steady_clock::now() + kDeadline;
-    while (device.status() != VELTA_STATUS_ONLINE && std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(5ms);
-    return device.status() == VELTA_STATUS_ONLINE;
+    return velta_test::waitUntil([&] { return device.status() == VELTA_STATUS_ONLINE; });
 }
 
 TEST(HostHeader, AnswersAreWholeOrThrow) {

@@ -1,14 +1,16 @@
 /* What this process holds at the moment. */
 #pragma once
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <thread>
+
+#include "../wait.h"
 
 namespace stress {
+
+using velta_test::waitUntil;
 
 inline long entriesOf(const char* folder) {
     return std::distance(std::filesystem::directory_iterator(folder), {});
@@ -19,23 +21,15 @@ inline long threadCount() {
 inline long descriptorCount() {
     return entriesOf("/proc/self/fd");
 }
-inline long residentKiB() {
+inline long statusKiB(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
-        if (word == "VmRSS:" && status >> word) return std::stol(word);
+        if (word == name && status >> word) return std::stol(word);
     }
     return -1;
 }
-
-/* Waits for a condition that some other thread brings about. */
-template <class Condition>
-bool waitUntil(Condition condition, std::chrono::seconds limit = std::chrono::seconds(120)) {
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return true;
+inline long residentKiB() {
+    return statusKiB("VmRSS:");
 }
 
 }  // namespace stress

@@ -20,6 +20,8 @@ struct Slot;
 
 /* The user pointer of a callback; lives as long as the round. */
 struct Token {
+    Token(Round& r, Slot& s) : round(r), slot(s) {}
+
     Round& round;
     Slot& slot;
     std::atomic<bool> over{false}; /* the callback must not be called any more */

@@ -1,16 +1,9 @@
 /* Access-control requests of a host through the built library, to a device that answers by a script. */
 #pragma once
 
-#include <gmock/gmock.h>
-#include <json/json.h>
-#include <veltasim/device.h>
-
-#include <memory>
-#include <sstream>
-#include <string>
 #include <vector>
 
-#include "plugin.h"
+#include "fixture.h"
 
 namespace host {
 
@@ -31,22 +24,9 @@ inline std::string outcome(const std::string& answer) {
     return number.str();
 }
 
-class AccessTest : public testing::Test {
+class AccessTest : public SessionTest {
  protected:
-    veltasim::Device device{{.auth = veltasim::AuthScheme::None}};
-    Library library;
-    std::unique_ptr<Session> session;
-
-    void SetUp() override {
-        device.start();
-        ASSERT_EQ(library.record->Init(), VELTA_OK);
-        session = std::make_unique<Session>(library);
-        ASSERT_EQ(session->connectTo(device.port()), 0U);
-    }
-    void TearDown() override {
-        session.reset();
-        EXPECT_EQ(library.record->Uninit(), VELTA_OK);
-    }
+    AccessTest() : SessionTest({.auth = veltasim::AuthScheme::None}) {}
 
     /* What the device answers from now on. */
     void script(const std::string& method, const std::string& path, const std::string& answer,

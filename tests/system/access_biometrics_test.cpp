@@ -22,6 +22,8 @@ const std::string kReadBack = "/VELTA/AccessControl/FingerPrintUpload";
 const std::string kDeletePrint = "/VELTA/AccessControl/FingerPrint/Delete";
 const std::string kCapture = "/VELTA/AccessControl/CaptureFingerPrint";
 
+using Form = std::pair<std::string, std::string>;  // the JSON, the picture
+
 class FaceTest : public AccessTest {
  protected:
     void SetUp() override {
@@ -40,7 +42,7 @@ class FaceTest : public AccessTest {
         }
     }
     /* The JSON and the picture of the form that was sent last. */
-    std::pair<std::string, std::string> form() {
+    Form form() {
         const std::string body = device.requests().back().body;
         const auto part = [&](size_t from) {
             const size_t start = body.find("\r\n\r\n", from) + 4;
@@ -58,25 +60,22 @@ TEST_F(FaceTest, sendsAPictureAsAForm) {
     EXPECT_EQ(ask("POST", kFace, R"({"FaceInfo":{"employeeNo":"1001","hexImg":"FFd8ff00E"}})"), kOk);
     EXPECT_EQ(sent().front(), kReadLibraries);
     EXPECT_EQ(device.requests().back().target, kFace + "?format=json");
-    EXPECT_EQ(form(),
-              (std::pair<std::string, std::string>{R"({"FDID":"1 &","FPID":"1001","faceLibType":"blackFD"})",
-                                                   std::string("\xff\xd8\xff\0\x0e", 5)}));
+    EXPECT_EQ(form(), (Form{R"({"FDID":"1 &","FPID":"1001","faceLibType":"blackFD"})",
+                            std::string("\xff\xd8\xff\0\x0e", 5)}));
     // The announced length counts the line feed that is not sent.
     EXPECT_THAT(device.requests().back().body, HasSubstr("Content-Length: 53\r\n"));
 
     ask("POST", kFace, R"({"FaceInfo":{"employeeNo":"1","hexImg":"xx1x-1","faceLibType":"infraredFD"}})");
     EXPECT_EQ(form(),
-              (std::pair<std::string, std::string>{R"({"FDID":"","FPID":"1","faceLibType":"infraredFD"})",
-                                                   std::string("\0\x01\xff", 3)}));
+              (Form{R"({"FDID":"","FPID":"1","faceLibType":"infraredFD"})", std::string("\0\x01\xff", 3)}));
     // A body in the device's own words asks for no library.
     EXPECT_EQ(ask("POST", kFace, R"({"FDID":"9", "hexImg":"4a"})"), kOk);
     EXPECT_EQ(device.requests().size(), 1U);
-    EXPECT_EQ(form(), (std::pair<std::string, std::string>{R"({"FDID":"9"})", "J"}));
+    EXPECT_EQ(form(), (Form{R"({"FDID":"9"})", "J"}));
 
     script("PUT", kSetUp, kOk);
     EXPECT_EQ(ask("PUT", kSetUp, R"({"FPID":"7","hexImg":"4A","faceLibType":"staticFD","x":1})"), kOk);
-    EXPECT_EQ(form(), (std::pair<std::string, std::string>{
-                          R"({"FDID":"2","FPID":"7","faceLibType":"staticFD","x":1})", "J"}));
+    EXPECT_EQ(form(), (Form{R"({"FDID":"2","FPID":"7","faceLibType":"staticFD","x":1})", "J"}));
 }
 
 TEST_F(FaceTest, carriesAPictureOfMegabytes) {
@@ -269,6 +268,8 @@ TEST_F(AccessTest, logsNeitherPasswordsNorPeople) {
     std::string log;
     setSink([](int, const char*, const char* line, void* user) { *static_cast<std::string*>(user) += line; },
             &log);
+    library.setConfig("SetEventSub", "1");
+    EXPECT_EQ(log, "");  // below the threshold
     setLevel(0);
 
     session = std::make_unique<Session>(library);
@@ -282,10 +283,15 @@ TEST_F(AccessTest, logsNeitherPasswordsNorPeople) {
             R"({"FingerPrintCfg":{"employeeNo":"1","fingerPrintID":1,"fingerData":"VEVNUA=="}})");
         ask("POST", kDownload, R"({"FingerPrintCfg":{"fingerData":"VEVNUA=="}})");
     }
+    veltasim::Device strict({.password = "S3cret-password"});  // wants them
+    strict.start();
+    ASSERT_EQ(session->connectTo(strict.port(), "admin", "S3cret-password"), 0U);
+    EXPECT_THAT(session->request("GET", "/VELTA/System/deviceInfo?format=json"), HasSubstr("VA204"));
+    session->request("GET", "/VELTA/Nothing?devIndex=1");
     session->destroy();
     setLevel(5);
     setSink(nullptr, nullptr);
-    EXPECT_THAT(log, HasSubstr(kDownload));
+    EXPECT_THAT(log, testing::AllOf(HasSubstr(kDownload), HasSubstr("/VELTA/Nothing")));
     for (const char* secret : {"S3cret", "464143454441", "FACEDA", "VEVNUA"})
         EXPECT_THAT(log, testing::Not(HasSubstr(secret)));
 }

@@ -133,18 +133,6 @@ TEST_F(AccessTest, checksSchedulesAndSendsThemOn) {
     }
 }
 
-TEST_F(AccessTest, sendsWeekPlansWithoutWhiteSpace) {
-    const std::string path = "/VELTA/AccessControl/UserRightWeekPlanCfg/1";
-    script("PUT", path, kOk);
-    ask("PUT", path,
-        "{\r\n\t\"UserRightWeekPlanCfg\": {\"enable\": true, \"name\": \"two words\", \"WeekPlanCfg\": []}}");
-    EXPECT_THAT(
-        sent(),
-        ElementsAre(
-            "PUT " + path +
-            R"(?format=json {"UserRightWeekPlanCfg":{"enable":true,"name":"twowords","WeekPlanCfg":[]}})"));
-}
-
 std::string hostList(const std::string& members, const std::string& id = "1") {
     return R"({"HttpHostNotificationList":[{"HttpHostNotification":{"id":")" + id +
            R"(","url":"/a?b&c","protocolType":"HTTP",)" + members + "}}]}";

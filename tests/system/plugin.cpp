@@ -6,8 +6,9 @@
 #include <atomic>
 #include <cstdlib>
 #include <stdexcept>
-#include <thread>
 #include <utility>
+
+#include "../wait.h"
 
 // For the sanitizer, which guesses where the thread-local data of loaded libraries lie. Depending on their
 // address it takes what lies before them for a header, and fails at the end of a test on what it reads there.
@@ -86,15 +87,15 @@ uint32_t Session::cancel() {
     return static_cast<uint32_t>(event->SetEventCallBack(instance, nullptr, nullptr));
 }
 
-std::string Session::request(const std::string& method, const std::string& uri, const std::string& body) {
+std::string Session::request(const std::string& method, const std::string& uri, const std::string& body,
+                             unsigned room) {
     Json::Value envelope;
     envelope["method"] = method;
     envelope["uri"] = uri;
     envelope["body"] = body;
     std::string text = envelope.toStyledString();
-    std::string answer(size_t{2} << 20, '\0');
-    gateway->VELTA_Getway(instance, text.data(), answer.data(), static_cast<unsigned>(answer.size()),
-                          nullptr);
+    std::string answer(room, '\0');
+    gateway->VELTA_Getway(instance, text.data(), answer.data(), room, nullptr);
     return answer.c_str();
 }
 
@@ -118,12 +119,7 @@ void Session::onEventCallBack(void* instance, char* sourceId, tagEVENT_BASE_INFO
 
 // The status is stored after its callback has returned, so it is looked at again and again.
 bool Session::waitForStatus(int wanted) {
-    const auto end = std::chrono::steady_clock::now() + kDeadline;
-    while (status() != wanted) {
-        if (std::chrono::steady_clock::now() > end) return false;
-        std::this_thread::sleep_for(5ms);
-    }
-    return true;
+    return velta_test::waitUntil([&] { return status() == wanted; });
 }
 
 bool Session::waitForEvents(size_t count) {

@@ -64,7 +64,8 @@ class Session {
     int destroy();
     uint32_t arm();
     uint32_t cancel();
-    std::string request(const std::string& method, const std::string& uri, const std::string& body = "");
+    std::string request(const std::string& method, const std::string& uri, const std::string& body = "",
+                        unsigned room = 2U << 20U);
 
     /* Called inside the event callback, before the event is kept. */
     std::function<void(const Event&)> onEvent;

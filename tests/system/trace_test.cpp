@@ -7,12 +7,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <sstream>
-#include <thread>
+
+#include "../wait.h"
 
 namespace {
 
@@ -202,10 +202,8 @@ TEST_F(TraceTest, Trace_isWholeWhenTheHostIsKilled) {
     Program simulator(VELTA_SIM " --quiet");
     Program host(VELTA_HOST " events --password velta-sim-1 --trace " + file(1) + " --device " +
                  addressOf(simulator));
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(100);
-    while (contents(file(1)).find("userCheck") == std::string::npos &&  // the first online check
-           std::chrono::steady_clock::now() < deadline)
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_TRUE(velta_test::waitUntil(  // until the first online check
+        [&] { return contents(file(1)).find("userCheck") != std::string::npos; }));
     host.end(SIGKILL);
     EXPECT_GE(entriesOf(file(1)).size(), 1U);
 }

@@ -186,37 +186,6 @@ TEST_F(AlertStreamParserTest, handsOnWhatThePlainAlgorithmHandsOn) {
     EXPECT_GT(handedOn, 400U);
 }
 
-TEST_F(AlertStreamParserTest, firstEventAfterTheResponseHeadersIsComplete) {
-    connect();
-    parser.feed(jsonPart(kPictureEvent) + jpegPart("\xff\xd8 picture \xff\xd9"));
-    ASSERT_EQ(messages.size(), 1U);
-    EXPECT_THAT(messages[0], testing::StartsWith(kPictureEvent + "\r\n--velta_events\r\n"));
-    EXPECT_THAT(messages[0], testing::HasSubstr("\xff\xd8 picture \xff\xd9"));
-}
-
-TEST_F(AlertStreamParserTest, alarmBecomesCompactJson) {
-    connect();
-    EXPECT_EQ(parser.getBoundary(), "--velta_events");
-    parser.feed(jsonPart("{\r\n\t\"ipAddress\" : \"10.0.0.5\"\r\n}"));
-    EXPECT_THAT(messages, ElementsAre(kAlarm + "\n\r\n"));
-    EXPECT_EQ(parser.buffered(), 0U);
-}
-
-TEST_F(AlertStreamParserTest, waitsForTheWholePicture) {
-    connect();
-    const std::string picture = jpegPart(std::string(100, 'x'));
-    parser.feed(jsonPart(kPictureEvent) + picture.substr(0, picture.size() - 3));
-    EXPECT_THAT(messages, IsEmpty());
-    parser.feed(picture.substr(picture.size() - 3));
-    EXPECT_EQ(messages.size(), 1U);
-}
-
-TEST_F(AlertStreamParserTest, secondEventOfAChunkIsLost) {
-    connect();
-    parser.feed(jsonPart(kAlarm) + jsonPart(R"({"ipAddress":"10.0.0.6"})"));
-    EXPECT_THAT(messages, ElementsAre(kAlarm + "\n\r\n"));
-}
-
 TEST_F(AlertStreamParserTest, boundaryStaysWhenTheStreamIsOpenedAgain) {
     parser.feed(jsonPart(kAlarm));  // before the boundary is known it is no part
     EXPECT_THAT(messages, IsEmpty());

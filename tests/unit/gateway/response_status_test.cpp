@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "device/CVeltaDevice.h"
 #include "gateway/JsonText.h"
 
 namespace {
@@ -77,41 +76,6 @@ TEST(ErrorCatalogue, isSortedAndComplete) {
     EXPECT_EQ(velta::errorGroup(8), nullptr);
     EXPECT_STREQ(velta::errorGroup(6)->entries.front().subStatusCode,
                  "importErrorData");  // misfiled, and never found
-}
-
-TEST(DeviceResponseStatus, becomesAnErrorNumber) {
-    struct Case {
-        const char* xml;
-        uint32_t code;
-        const char* subStatusCode;  // of the answer; null: untouched
-    };
-    const Case cases[] = {
-        {"<ResponseStatus><statusCode>1</statusCode></ResponseStatus>", 0, nullptr},
-        {"<ResponseStatus><statusCode>0</statusCode><errorCode>5</errorCode></ResponseStatus>", 0, nullptr},
-        {"<R><statusCode>4</statusCode></R>", 0x40000001, "notSupport"},
-        {"<R><a/><errorCode>1610612737</errorCode><statusCode>6</statusCode></R>", 0x60000001,
-         "badParameters"},
-        {"<R><statusCode>2</statusCode><errorCode>536870913</errorCode></R>", 0x20000001, "unKnownErrorCode"},
-        {"<R><statusCode>3</statusCode><errorCode>2181038085</errorCode></R>", 0x82000005,
-         "unKnownErrorCode"},
-        {"<R><statusCode/></R>", 1, "ok"},
-        {"<R><status>1</status></R>", 0x60000001, nullptr},
-        {"<R/>", 0x60000001, nullptr},
-        {"no document", 0x60000001, nullptr},
-        {"", 0x60000001, nullptr},
-    };
-    CVeltaDevice device;
-    for (const Case& c : cases) {
-        std::string answer = "untouched";
-        EXPECT_EQ(device.parseVELTAResponseStatus(answer, c.xml), c.code) << c.xml;
-        if (c.subStatusCode == nullptr) {
-            EXPECT_EQ(answer, "untouched") << c.xml;
-        } else {
-            Json::Value status;
-            ASSERT_TRUE(velta::parseJson(answer, status)) << c.xml;
-            EXPECT_EQ(status["subStatusCode"].asString(), c.subStatusCode) << c.xml;
-        }
-    }
 }
 
 }  // namespace

@@ -5,8 +5,6 @@
 
 #include <cstring>
 
-using testing::ElementsAre;
-
 namespace {
 
 TEST(LocalNetwork, collectsUsableAddressesInOrder) {
@@ -51,7 +49,7 @@ TEST(LocalNetwork, refreshesAtMostEveryTwoMinutes) {
 }
 
 TEST(Text, isSplit) {
-    EXPECT_THAT(StringSplit("a.b..c", "."), ElementsAre("a", "b", "", "c"));
+    using testing::ElementsAre;
     EXPECT_THAT(StringSplit("", "."), ElementsAre(""));
     EXPECT_THAT(StringSplit("a--b", "--"), ElementsAre("a", "-b"));  // goes on one character behind the match
     EXPECT_THAT(StringSplit("---", "--"), ElementsAre("", "", "-"));

@@ -22,15 +22,6 @@ class RegistryTest : public testing::Test {
     }
 };
 
-TEST_F(RegistryTest, keepsTheLastSessionOfAKey) {
-    manager.addDevice("1", &first, {"10.0.0.5", 80});
-    manager.addDevice("1", &second, {"10.0.0.6", 80});
-    EXPECT_EQ(device("1"), &second);
-    manager.delDevice("2");
-    manager.delDevice("1");
-    EXPECT_EQ(device("1"), nullptr);
-}
-
 TEST_F(RegistryTest, forgetsASessionUnderAllItsKeys) {
     {
         CVeltaDevice device;

@@ -55,7 +55,7 @@ TEST(Mutex, TryLock_waitsItsTimeAndNoLongerThanNeeded) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
 
     auto waiter = std::async(std::launch::async, [&] { return XPR_MutexTryLock(mutex.native(), 3'600'000); });
-    EXPECT_TRUE(eventually([state = mutex.native()] {
+    EXPECT_TRUE(waitUntil([state = mutex.native()] {
         pthread_mutex_lock(&state->state);
         const bool waiting = state->waiters == 1;
         pthread_mutex_unlock(&state->state);

@@ -2,7 +2,7 @@
 #include <xpr/text.h>
 
 #include <climits>
-#include <string>
+#include <utility>
 
 TEST(Text, Strcmp_nullSortsFirst) {
     EXPECT_EQ(XPR_Strcmp(nullptr, nullptr), 0);
@@ -33,16 +33,8 @@ TEST(Text, Strncpy_alwaysTerminatesWithinCapacity) {
 }
 
 TEST(Text, Atoi32_saturates) {
-    const struct {
-        const char* text;
-        int32_t expected;
-    } cases[] = {
-        {nullptr, 0},
-        {"", 0},
-        {" \t-17x", -17},
-        {"2147483648", INT_MAX},
-        {"99999999999999999999999", INT_MAX},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(XPR_Atoi32(c.text), c.expected) << (c.text == nullptr ? "null" : c.text);
+    EXPECT_EQ(XPR_Atoi32(nullptr), 0);
+    for (const auto& [text, expected] :
+         {std::pair("", 0), {" \t-17x", -17}, {"2147483648", INT_MAX}, {"99999999999999999999999", INT_MAX}})
+        EXPECT_EQ(XPR_Atoi32(text), expected) << text;
 }

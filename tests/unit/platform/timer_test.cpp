@@ -79,7 +79,7 @@ TEST(Timer, beatsDoNotDrift) {
         EXPECT_GE(steady_clock::now() - start, ++beats * milliseconds(10)) << "a beat came too early";
         XPR_Sleep(6);
     });
-    EXPECT_TRUE(eventually([&] { return inTime.load(); }));
+    EXPECT_TRUE(waitUntil([&] { return inTime.load(); }));
     EXPECT_EQ(XPR_KillTimer(timer.id()), XPR_OK);
 }
 
@@ -95,7 +95,7 @@ TEST(Timer, beatsDuringOwnCallbackAreLeftOut) {
         done = done || begun.size() == 3;
         --inside;
     });
-    EXPECT_TRUE(eventually([&] { return done.load(); }));
+    EXPECT_TRUE(waitUntil([&] { return done.load(); }));
     EXPECT_EQ(XPR_KillTimer(timer.id()), XPR_OK);
     EXPECT_GE(begun[1] - start, milliseconds(60)) << "the second beat can be the sixth at the earliest";
     EXPECT_GE(begun[2] - start, milliseconds(70)) << "what was missed is not made up for";
@@ -114,11 +114,11 @@ TEST(Timer, KillTimer_waitsForRunningCallbackAndEndsThread) {
         XPR_Sleep(50);
         left = true;
     });
-    ASSERT_TRUE(eventually([&] { return entered.load(); }));
+    ASSERT_TRUE(waitUntil([&] { return entered.load(); }));
     EXPECT_EQ(XPR_KillTimer(slow.id()), XPR_ERROR_PARAMETER);
     EXPECT_TRUE(left) << "killed already, but its callback was still running";
     EXPECT_EQ(XPR_KillTimer(distant), XPR_OK);
-    EXPECT_TRUE(eventually([&] { return thread.gone(); })) << "it must not wait for the next beat";
+    EXPECT_TRUE(waitUntil([&] { return thread.gone(); })) << "it must not wait for the next beat";
 }
 
 TEST(Timer, setAndKillFromManyThreadsAndCallbacks) {
@@ -136,12 +136,12 @@ TEST(Timer, setAndKillFromManyThreadsAndCallbacks) {
                 EXPECT_EQ(XPR_KillTimer(extra), XPR_OK);
                 if (id % 3 == 0) XPR_KillTimer(id);
             });
-            EXPECT_TRUE(eventually([&] { return n % 2 == 0 || beats > before; }));
+            EXPECT_TRUE(waitUntil([&] { return n % 2 == 0 || beats > before; }));
             XPR_KillTimer(timer.id());
             alive.reset();  // a callback that still ran would now touch freed memory
         }
     });
     users.clear();
     EXPECT_GT(beats, 0);
-    EXPECT_TRUE(eventually([&] { return thread.gone(); }));
+    EXPECT_TRUE(waitUntil([&] { return thread.gone(); }));
 }

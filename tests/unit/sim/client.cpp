@@ -16,13 +16,6 @@ size_t onData(char* data, size_t, size_t size, void* sink) {
 
 }  // namespace
 
-bool comesTrue(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + kSoon;
-    while (!condition() && std::chrono::steady_clock::now() < deadline)
-        std::this_thread::yield();
-    return condition();
-}
-
 Client::Client(std::string url, const std::string& password) : url_(std::move(url)) {
     curl_easy_setopt(curl_.get(), CURLOPT_HTTPAUTH, CURLAUTH_DIGEST | CURLAUTH_BASIC);
     curl_easy_setopt(curl_.get(), CURLOPT_USERNAME, "admin");

@@ -14,10 +14,11 @@
 
 #include <veltasim/device.h>
 
+#include "../../wait.h"
+
 namespace velta_test {
 
 constexpr std::chrono::seconds kSoon{60};  // what is to happen happens much sooner, on any machine
-bool comesTrue(const std::function<bool()>& condition);
 
 struct Answer {
     CURLcode result = CURLE_OK;

@@ -59,7 +59,7 @@ PUT . <Time><localTime>2026-02-29T12:00:00Z</localTime></Time> -> 400
 PUT . <Time><localTime>2026-01-31T12:00:00+8</localTime></Time> -> 400
 GET . -> 200 2028-02-29T07:)");
     const auto before = device.deviceTime();
-    EXPECT_TRUE(comesTrue([&] { return device.deviceTime() > before; }));
+    EXPECT_TRUE(waitUntil([&] { return device.deviceTime() > before; }));
     device.setTimeZone("CST-8:00:00" + std::string(200000, '<'));
     EXPECT_THAT(client.get(kTime).body, HasSubstr("+00:00</localTime>"));
 }
@@ -71,7 +71,7 @@ TEST(SystemDevice, rebootsAfterItsAnswer) {
     ASSERT_TRUE(device.waitForStreams(1, kSoon));
     Client(device).talk("/VELTA/System/", "PUT reboot <x/> -> 200 <statusCode>1<");
     EXPECT_TRUE(subscriber.waitForEnd());
-    EXPECT_TRUE(comesTrue([&] { return !device.isOn(); }));
+    EXPECT_TRUE(waitUntil([&] { return !device.isOn(); }));
 }
 
 TEST_F(System, outlivesDeepDocuments) {

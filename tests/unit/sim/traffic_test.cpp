@@ -76,7 +76,7 @@ GET System/deviceInfo -> 200)");
 
 TEST_F(FaultTest, powerComesBackByItself) {
     device.powerOff(1ms);
-    EXPECT_TRUE(comesTrue([&] { return client.get(kDeviceInfo).body == sound; }));
+    EXPECT_TRUE(waitUntil([&] { return client.get(kDeviceInfo).body == sound; }));
 }
 
 TEST_F(FaultTest, spoilsPartsOfAStream) {
@@ -136,7 +136,6 @@ TEST(Stream, aSubscriberThatDoesNotReadHoldsUpNobody) {
     }
     EXPECT_GT(device.lostEvents(), 0U);
     EXPECT_LT(device.lostEvents(), 20U);
-    EXPECT_FALSE(device.waitForDrained(1ms));
     idle.reset();
     EXPECT_TRUE(device.waitForStreams(1, kSoon));
     EXPECT_TRUE(device.waitForDrained(kSoon));

@@ -1,8 +1,9 @@
-// What access-control requests are made of, and what needs a session that is online or an operation without a
-// route.
+// What access-control requests are made of, and an operation without a route.
 #include <gtest/gtest.h>
+#include <veltasim/device.h>
 
-#include "exchange.h"
+#include "device/CVeltaDevice.h"
+#include "gateway/JsonText.h"
 #include "gateway/Url.h"
 #include "translate/acs/EventHosts.h"
 #include "translate/acs/HexPicture.h"
@@ -10,89 +11,51 @@
 
 namespace {
 
-using namespace exchange;
-
-const std::string kOk = R"({"statusCode":1})";
-const std::string kLibraries = R"({"statusCode":1,"FDLib":[{"FDID":"1","faceLibType":"blackFD"}]})";
-
-// An access-control operation with the host's body. Online: after a log-in, which takes the first answer.
-Operation access(uint32_t (CVeltaDevice::*operation)(std::string&, const std::string&,
-                                                     const velta::HostBody&),
-                 const std::string& text, bool online = false) {
-    return [=](CVeltaDevice& device, std::string& answer) {
-        velta::HostBody body{text, {}};
-        EXPECT_TRUE(velta::parseJson(text, body.json));
-        if (online) {
-            EXPECT_EQ(device.veltaStatusCheck(), 0);
-        }
-        return (device.*operation)(answer, "/VELTA/A", body);
-    };
-}
-
-TEST(AccessExchange, addsPersonsAndFacesWhileOnline) {
-    const std::string single = R"({"UserInfo" : {"userType":"none of the three"}})";
-    const std::string face = R"({"FaceInfo":{"employeeNo":"1","hexImg":"FF"}})";
-    const std::string batch = R"({"UserInfo":[{"employeeNo":"1","Valid":{"beginTime":"1","endTime":"2"}}]})";
-    const auto addUser = [](const std::string& body) {
-        return access(&CVeltaDevice::veltaAddAcsUser, body, true);
-    };
-    check({
-        {addUser(single), {ok(""), ok("{}")}, 0, "{}", "POST /VELTA/A?format=json " + single},
-        {addUser(single), {ok(""), http(500, "{}")}, 0xFFFFFFFF, "{}"},
-        {addUser(single), {ok(""), ""}, 0xFFFFFFFF},
-        {addUser(batch),
-         {ok(""), ok("no json")},
-         0,
-         R"({"UserInfoOutList":{"UserInfoOut":[{"employeeNo":"1","errorCode":1610612759,)"},
-        {access(&CVeltaDevice::veltaAddAcsFace, face, true), {ok(""), ok(kLibraries), ""}, 0xFFFFFFFF},
-        {access(&CVeltaDevice::veltaAddAcsFace, face, true), {ok(""), ok(kLibraries), http(401, "")}, 401},
-    });
-}
-
-TEST(AccessExchange, movesFacesByTheirAddress) {
-    const auto modify = [](const std::string& body) { return access(&CVeltaDevice::veltaSetAcsFace, body); };
-    const auto face = [](const std::string& type) {
-        return R"({"FaceInfo":{"faceURL":"http://h/p","employeeNo":"a b&c","faceLibType":")" + type +
-               R"("}})";
-    };
-    check({
-        {modify(face("blackFD")),
-         {ok(kLibraries), ok(kOk)},
-         0,
-         kOk,
-         "PUT /VELTA/Intelligent/FDLib/FDSearch?format=json&FDID=1&FPID=a%20b%26c&faceLibType=blackFD "
-         "{\"faceURL\":\"http://h/p\"}\n"},
-        {modify(face("blackFD")),
-         {ok(kLibraries), ok(R"({"statusCode":4})")},
-         0x40000001,
-         R"({"statusCode":4})"},
-        {modify(face("other")), {ok(kLibraries)}, 0x60000001},
-        {modify("{}"), {ok(kLibraries)}, 0x60000001},
-        {modify("{}"), {http(403, R"({"statusCode":4})")}, 0xFFFFFFFF},
-    });
+TEST(Faces, areMovedByTheirAddress) {
+    const std::string libraries = R"({"FDLib":[{"FDID":"1","faceLibType":"blackFD"}]})";
+    const std::string refusal = R"({"statusCode":4})";
+    const std::string face = R"({"FaceInfo":{"faceURL":"http://h/p","employeeNo":"a b&c","faceLibType":")";
+    const struct {
+        std::string body;
+        int librariesStatus;
+        std::string deviceAnswer;
+        uint32_t code;
+        size_t requests;
+    } cases[] = {{face + "blackFD\"}}", 200, R"({"statusCode":1})", 0, 2},
+                 {face + "blackFD\"}}", 200, refusal, 0x40000001, 2},
+                 {face + "other\"}}", 200, "", 0x60000001, 1},
+                 {"{}", 200, "", 0x60000001, 1},
+                 {"{}", 403, "", 0xFFFFFFFF, 1}};
+    for (const auto& c : cases) {
+        veltasim::Device sim({.auth = veltasim::AuthScheme::None});
+        sim.setAnswer("GET", "/VELTA/Intelligent/FDLib", c.librariesStatus,
+                      c.librariesStatus == 200 ? libraries : refusal);
+        sim.setAnswer("PUT", "/VELTA/Intelligent/FDLib/FDSearch", 200, c.deviceAnswer);
+        sim.start();
+        CVeltaDevice device;
+        std::string url = "Connect=TCP/IP;Target=127.0.0.1;Port=" + std::to_string(sim.port()) + ";";
+        std::string user = "u";
+        EXPECT_EQ(device.Connect_V2(url.data(), user.data(), user.data()), 0);
+        velta::HostBody body{c.body, {}};
+        EXPECT_TRUE(velta::parseJson(c.body, body.json));
+        std::string answer;
+        EXPECT_EQ(device.veltaSetAcsFace(answer, "", body), c.code) << c.body;
+        EXPECT_STREQ(answer.c_str(), c.deviceAnswer.c_str());
+        ASSERT_EQ(sim.requests().size(), c.requests);
+        if (c.requests == 1) continue;
+        EXPECT_EQ(sim.requests().back().target,
+                  "/VELTA/Intelligent/FDLib/FDSearch?format=json&FDID=1&FPID=a%20b%26c&faceLibType=blackFD");
+        EXPECT_EQ(sim.requests().back().body, "{\"faceURL\":\"http://h/p\"}\n");
+    }
 }
 
 TEST(HexPicture, readsPairsAsNumbers) {
-    struct Case {
-        std::string text;
-        std::string bytes;
-    };
-    const Case cases[] = {
-        {"FFd8fF", "\xff\xd8\xff"},
-        {"", ""},
-        {"4", "\x04"},
-        {"4A5", "J\x05"},
-        {"g1", std::string(1, 0)},
-        {"1g", "\x01"},
-        {" 7", "\x07"},
-        {"-1", "\xff"},
-        {"+1", "\x01"},
-        {"\n2", "\x02"},
-        {"0x", std::string(1, 0)},
-        {"1 ", "\x01"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(velta::hexToStr(c.text), c.bytes) << c.text;
+    using Pair = std::pair<std::string, std::string>;
+    for (const auto& [text, bytes] :
+         {Pair{"FFd8fF", "\xff\xd8\xff"}, Pair{"", ""}, Pair{"4", "\x04"}, Pair{"4A5", "J\x05"},
+          Pair{"g1", std::string(1, 0)}, Pair{"1g", "\x01"}, Pair{" 7", "\x07"}, Pair{"-1", "\xff"},
+          Pair{"+1", "\x01"}, Pair{"\n2", "\x02"}, Pair{"0x", std::string(1, 0)}, Pair{"1 ", "\x01"}})
+        EXPECT_EQ(velta::hexToStr(text), bytes) << text;
     EXPECT_EQ(velta::stringToHex(std::string("\x00\xaf", 2), ", "), "00, AF, ");
     EXPECT_EQ(velta::stringToHex("", ":"), "");
 }
