@@ -13,7 +13,7 @@ namespace {
 
 constexpr long kMostRepetitions = 10;  // redirects and log-ins: a device must not send the thread in circles
 // The library keeps every header line, also those behind the last chunk, of which it takes any number.
-constexpr size_t kMostHeaderBytes = 256 * 1024;
+constexpr size_t kMostHeaderBytes = size_t{256} * 1024;
 constexpr const char* kAlertStreamPath = "/VELTA/Event/notification/alertStream";
 constexpr std::string_view kHeartbeat = "videoloss";
 constexpr std::string_view kStreamsExhausted = "deployExceedMax";

@@ -43,7 +43,7 @@ std::string request(const VELTA_GatewayTable* gateway, void* instance, const std
 
 /* Sessions of a library that is started, each with a device. */
 struct Rig {
-    explicit Rig(size_t count, veltasim::Options options = {}) {
+    explicit Rig(size_t count, const veltasim::Options& options = {}) {
         EXPECT_EQ(library->record->Init(), VELTA_OK);
         library->setConfig("SetEventSub", "1");
         for (size_t i = 0; i < count; ++i) {

@@ -38,6 +38,7 @@ bool mustFail() {
 
 }  // namespace
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library and the linker know these by their names
 #ifndef VELTA_SANITIZED
 // All of the process.
 extern "C" {
@@ -153,6 +154,7 @@ void __wrap_XPR_Sleep(uint32_t) {
     std::this_thread::yield();
 }
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace stress {
 

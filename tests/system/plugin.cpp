@@ -12,10 +12,12 @@
 
 // For the sanitizer, which guesses where the thread-local data of loaded libraries lie. Depending on their
 // address it takes what lies before them for a header, and fails at the end of a test on what it reads there.
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizer asks for it by this name
 extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
 const char* __asan_default_options() {
     return "intercept_tls_get_addr=0";
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace host {
 

@@ -131,13 +131,12 @@ Json::Value entriesOf(const std::string& path) {
 TEST_F(TraceTest, Replay_answersAsTheDevice) {
     const std::string secret = "recorded-secret-77";
     const std::string login = "--password " + secret;
-    const std::string commands[] = {
+    const std::string addPerson =
         R"(request POST /VELTA/AccessControl/UserInfo/Record?format=json '{"UserInfo":[{"employeeNo":"9",)"
-        R"("password":"864209","Valid":{"beginTime":"2024-01-01T00:00:00","endTime":"2034-01-01T00:00:00"}}]}')",
-        "request GET /VELTA/System/deviceInfo",
-        "persons list",
-        "doors list",
-        "events --count 2 --for 100",
+        R"("password":"864209","Valid":{"beginTime":"2024-01-01T00:00:00","endTime":"2034-01-01T00:00:00"}}]}')";
+    const std::string commands[] = {
+        addPerson,    "request GET /VELTA/System/deviceInfo", "persons list",
+        "doors list", "events --count 2 --for 100",
     };
     std::vector<std::string> outputs;
     {
