@@ -49,7 +49,7 @@ size_t widestId(const Items& items, CheckOf checkOf) {
 class Groups {
  public:
     std::string before(const Check& check) {
-        const std::string gap = check.group == group_ || group_.empty() ? "" : "\n";
+        std::string gap = check.group == group_ || group_.empty() ? "" : "\n";
         group_ = check.group;
         return gap;
     }

@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr size_t kMostHeadBytes = 256 * 1024;
+constexpr size_t kMostHeadBytes = size_t{256} * 1024;
 
 std::string_view trimmed(std::string_view text) {
     const size_t begin = text.find_first_not_of(" \t");
