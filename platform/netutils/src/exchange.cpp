@@ -1,7 +1,6 @@
 #include "exchange.h"
 
 #include <string.h>
-#include <strings.h>
 
 #include <algorithm>
 #include <chrono>
@@ -97,10 +96,6 @@ class StallWatch {
     curl_off_t sent_ = 0;
     Clock::time_point lastMove_;
 };
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
 
 /* Looks at the header lines of all answers of an exchange, and ends one that is up to no good. */
 class HeaderWatch {

@@ -35,10 +35,6 @@ bool contains(std::string_view text, unsigned char kinds) {
         text, [kinds](char c) { return (kKinds[static_cast<unsigned char>(c)] & kinds) != 0; });
 }
 
-bool equalNames(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
-
 /* Takes off the terminating zero that header texts are passed with; false when there is none. */
 bool takeTerminator(std::string_view* text) {
     if (text->empty() || text->back() != '\0') return false;
@@ -59,6 +55,10 @@ int readMilliseconds(std::string_view value, int32_t* milliseconds) {
 
 bool hasControlCharacters(std::string_view text) {
     return contains(text, kControl);
+}
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
 void Secret::set(std::string_view text) {
@@ -105,7 +105,7 @@ int Request::addHeader(std::string_view name, std::string_view value) {
                        !contains(name, kControl | kEndsName) && !contains(value, kControl);
     if (!valid) return fail(NET_UTILS_ERROR_PARAMETER);
     if (std::ranges::any_of(kFramingHeaders,
-                            [name](std::string_view framing) { return equalNames(name, framing); })) {
+                            [name](std::string_view framing) { return equalsIgnoringCase(name, framing); })) {
         return NET_UTILS_OK;
     }
     if (headers_.empty()) headers_.reserve(kUsualHeaders);
@@ -117,7 +117,7 @@ int Request::addHeader(std::string_view name, std::string_view value) {
     } else {
         line.append(": ").append(value);
     }
-    hasContentType_ = hasContentType_ || equalNames(name, "Content-Type");
+    hasContentType_ = hasContentType_ || equalsIgnoringCase(name, "Content-Type");
     return NET_UTILS_OK;
 }
 

@@ -59,6 +59,9 @@ class Request {
 /* Bytes that would end or forge a line of the request. */
 bool hasControlCharacters(std::string_view text);
 
+/* Names of headers and of ways to log in; ASCII only. */
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
+
 }  // namespace netutils
 
 #endif
